@@ -1,0 +1,30 @@
+// The per-asteroid mining ledger: every rendezvous of every ship gathered by asteroid,
+// each asteroid mined by at most one deploy-then-collect pair.
+#pragma once
+
+#include <vector>
+
+#include "records/records.h"
+
+struct DmStructAsteroid {
+  int num_rendezvous = 0;
+  int line1 = 0;
+  double time_of_LRE1 = 0.0;
+  double epoch1 = 0.0;
+  double mass_change1 = 0.0;
+  int line2 = 0;
+  double time_of_LRE2 = 0.0;
+  double epoch2 = 0.0;
+  double mass_change2 = 0.0;
+};
+
+struct StoreDmStruct {
+  int asteroid_id = 0;
+  double mass = 0.0;
+};
+
+bool CheckVisitDm(std::vector<ShipClass>& ships, int num_ships,
+                  std::vector<DmStructAsteroid>& asteroid_table,
+                  std::vector<StoreDmStruct>& store);
+// 1: valid pair, delivered; -1: valid pair, not delivered; 0: a rule failed (printed).
+int check_DmStructAsteroid(DmStructAsteroid& record);
