@@ -1,0 +1,224 @@
+#include "astro/anomaly.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "astro_test_util.h"
+
+using astro_test::kDeg;
+using astro_test::kPi;
+using astro_test::kTwoPi;
+
+namespace {
+
+// Kepler's equation must hold for the returned anomaly, whatever the number of turns.
+TEST(KeplerEquation, EllipticResidualsOverManyAnomaliesAndEccentricities) {
+  std::mt19937_64 rng(20240601);
+  std::uniform_real_distribution<double> M_dist(-4.0 * kPi, 4.0 * kPi);
+  std::uniform_real_distribution<double> e_dist(0.0, 0.995);
+  for (int n = 0; n < 20000; ++n) {
+    const double M = M_dist(rng);
+    const double e = n < 100 ? 0.0 : e_dist(rng);
+    int flag = -1;
+    const double E = M2E(flag, M, e, 100, 1.0e-14);
+    ASSERT_EQ(flag, 1) << "M=" << M << " e=" << e;
+    ASSERT_LE(std::fabs(E - e * std::sin(E) - M), 1.0e-14) << "M=" << M << " e=" << e;
+    // The same turn as M: E and M differ by at most e radians.
+    ASSERT_LE(std::fabs(E - M), e + 1.0e-12);
+  }
+}
+
+TEST(KeplerEquation, HyperbolicResidualsOverManyAnomaliesAndEccentricities) {
+  std::mt19937_64 rng(777);
+  std::uniform_real_distribution<double> M_dist(-30.0, 30.0);
+  std::uniform_real_distribution<double> e_dist(1.001, 8.0);
+  for (int n = 0; n < 20000; ++n) {
+    const double M = M_dist(rng);
+    const double e = e_dist(rng);
+    int flag = -1;
+    const double H = M2E(flag, M, e, 100, 1.0e-14);
+    ASSERT_EQ(flag, 1) << "M=" << M << " e=" << e;
+    ASSERT_LE(std::fabs(e * std::sinh(H) - H - M), 1.0e-14 * std::max(1.0, std::fabs(M)))
+        << "M=" << M << " e=" << e;
+  }
+}
+
+TEST(KeplerEquation, InvertsE2MInBothConics) {
+  for (double e : {0.0, 0.1, 0.5, 0.9, 0.99, 1.2, 2.0, 5.0}) {
+    for (double E = -9.0; E <= 9.0; E += 0.37) {
+      int flag = -1;
+      const double M = E2M(flag, E, e);
+      ASSERT_EQ(flag, 1);
+      const double back = M2E(flag, M, e, 100, 1.0e-14);
+      ASSERT_EQ(flag, 1);
+      EXPECT_NEAR(back, E, 1.0e-12 * std::max(1.0, std::fabs(E))) << "e=" << e << " E=" << E;
+    }
+  }
+}
+
+TEST(KeplerEquation, ZeroMeanAnomalyStartsAndStaysAtZero) {
+  int flag = -1;
+  EXPECT_EQ(M2E(flag, 0.0, 0.5, 100, 1.0e-14), 0.0);
+  EXPECT_EQ(flag, 1);
+}
+
+TEST(KeplerEquation, WholeTurnsAreRestored) {
+  int flag = -1;
+  const double several = M2E(flag, 7.0 * kPi, 0.4, 100, 1.0e-14);
+  ASSERT_EQ(flag, 1);
+  const double one = M2E(flag, kPi, 0.4, 100, 1.0e-14);
+  ASSERT_EQ(flag, 1);
+  EXPECT_NEAR(several, one + 6.0 * kPi, 1.0e-13);
+  EXPECT_NEAR(one, kPi, 1.0e-14);  // apoapsis: E = M = pi
+}
+
+TEST(KeplerEquation, ToleranceAboveOneMakesNoIteration) {
+  int flag = -1;
+  // sin M > 0: start at M + 0.85 e; sin M < 0: M - 0.85 e; both with the turns kept.
+  EXPECT_DOUBLE_EQ(M2E(flag, 1.0, 0.5, 100, 2.0), 1.0 + 0.85 * 0.5);
+  EXPECT_EQ(flag, 1);
+  EXPECT_DOUBLE_EQ(M2E(flag, 4.0 + 2.0 * kTwoPi, 0.5, 100, 2.0),
+                   4.0 - 0.85 * 0.5 + 2.0 * kTwoPi);
+  EXPECT_EQ(flag, 1);
+}
+
+TEST(KeplerEquation, RefusesInvalidArgumentsReturningM) {
+  struct Case {
+    double e;
+    int max_iter;
+    double epsilon;
+  };
+  for (const Case& c : {Case{0.5, 0, 1e-14}, Case{0.5, -3, 1e-14}, Case{0.5, 100, 0.0},
+                        Case{0.5, 100, -1e-14}, Case{-0.1, 100, 1e-14}, Case{2.0, 0, 1e-14}}) {
+    int flag = -1;
+    EXPECT_EQ(M2E(flag, 1.234, c.e, c.max_iter, c.epsilon), 1.234);
+    EXPECT_EQ(flag, 0) << "e=" << c.e << " MaxIter=" << c.max_iter << " eps=" << c.epsilon;
+  }
+}
+
+TEST(KeplerEquation, ParabolaPassesThrough) {
+  int flag = -1;
+  EXPECT_EQ(M2E(flag, 1.234, 1.0, 100, 1.0e-14), 1.234);
+  EXPECT_EQ(flag, 1);
+}
+
+// With a budget of one step the verdict compares that step with 5 * epsilon: the step is
+// read off as the distance between the returned anomaly and the starting value.
+TEST(KeplerEquation, ExhaustedBudgetFailsOnlyWhenTheLastStepExceedsFiveEpsilon) {
+  const double M = 1.0, e = 0.5;
+  const double start = M + 0.85 * e;
+  int flag = -1;
+  const double after_one = M2E(flag, M, e, 1, 0.5);
+  ASSERT_EQ(flag, 1);
+  const double step = std::fabs(after_one - start);
+  ASSERT_GT(step, 1.0e-3);
+
+  EXPECT_EQ(M2E(flag, M, e, 1, step / 5.0 * 1.01), after_one);
+  EXPECT_EQ(flag, 1);  // exhausted, step just under 5 epsilon
+  EXPECT_EQ(M2E(flag, M, e, 1, step * 0.99), after_one);
+  EXPECT_EQ(flag, 1);  // exhausted, step between epsilon and 5 epsilon
+  EXPECT_EQ(M2E(flag, M, e, 1, step / 5.0 * 0.99), M);
+  EXPECT_EQ(flag, 0);  // exhausted with the step still large: M returned
+
+  // The hyperbolic branch follows the same verdict.
+  const double Mh = 3.0, eh = 1.5;
+  const double Hstart = std::asinh(Mh / eh);
+  const double h_one = M2E(flag, Mh, eh, 1, 0.5);
+  ASSERT_EQ(flag, 1);
+  const double h_step = std::fabs(h_one - Hstart);
+  ASSERT_GT(h_step, 1.0e-4);
+  EXPECT_EQ(M2E(flag, Mh, eh, 1, h_step / 5.0 * 1.01), h_one);
+  EXPECT_EQ(flag, 1);
+  EXPECT_EQ(M2E(flag, Mh, eh, 1, h_step / 5.0 * 0.99), Mh);
+  EXPECT_EQ(flag, 0);
+}
+
+TEST(Anomalies, TrueAndEccentricAreInverseAcrossTurns) {
+  for (double e : {0.0, 0.3, 0.8, 0.999}) {
+    for (double f = -15.0; f <= 15.0; f += 0.23) {
+      int flag = -1;
+      const double E = f2E(flag, f, e);
+      ASSERT_EQ(flag, 1);
+      const double back = E2f(flag, E, e);
+      ASSERT_EQ(flag, 1);
+      EXPECT_NEAR(back, f, 1.0e-10 * std::max(1.0, std::fabs(f))) << "e=" << e << " f=" << f;
+    }
+  }
+}
+
+TEST(Anomalies, EccentricAnomalyMatchesTheConicGeometry) {
+  // Independent relation: r = a (1 - e cos E) = p / (1 + e cos f).
+  const double e = 0.6;
+  for (double f = -3.0; f <= 3.0; f += 0.1) {
+    int flag = -1;
+    const double E = f2E(flag, f, e);
+    EXPECT_NEAR(1.0 - e * std::cos(E), (1.0 - e * e) / (1.0 + e * std::cos(f)), 1e-14);
+    const double eh = 1.8;
+    if (std::fabs(f) < kPi - std::acos(1.0 / eh) - 1e-3) {
+      const double H = f2E(flag, f, eh);
+      ASSERT_EQ(flag, 1);
+      EXPECT_NEAR(eh * std::cosh(H) - 1.0, (eh * eh - 1.0) / (1.0 + eh * std::cos(f)),
+                  1e-12 * (eh * std::cosh(H)));
+      EXPECT_NEAR(E2f(flag, H, eh), f, 1e-12);
+    }
+  }
+}
+
+TEST(Anomalies, EllipticTurnsAreAddedBack) {
+  int flag = -1;
+  const double one = E2f(flag, 0.1, 0.3);
+  EXPECT_NEAR(E2f(flag, kTwoPi + 0.1, 0.3), kTwoPi + one, 1e-14);
+  EXPECT_NEAR(E2f(flag, -3.0 * kTwoPi + 0.1, 0.3), -3.0 * kTwoPi + one, 1e-13);
+  EXPECT_NEAR(E2M(flag, 5.0 * kTwoPi + 1.0, 0.3), 5.0 * kTwoPi + 1.0 - 0.3 * std::sin(1.0),
+              1e-13);
+}
+
+TEST(Anomalies, AsymptoteBoundIsInclusive) {
+  // e = 2: the asymptotes lie at +-120 degrees.
+  int flag = -1;
+  const double at = 120.0 * kDeg;
+  const double H = f2E(flag, at, 2.0);
+  EXPECT_EQ(flag, 1);
+  EXPECT_TRUE(!std::isfinite(H) || H > 30.0) << H;  // t = 1 up to rounding
+  const double H_neg = f2E(flag, -at, 2.0);
+  EXPECT_EQ(flag, 1);
+  EXPECT_TRUE(!std::isfinite(H_neg) || H_neg < -30.0) << H_neg;
+  for (double f : {121.0 * kDeg, -121.0 * kDeg, kPi, 3.0 * kPi}) {
+    flag = -1;
+    EXPECT_EQ(f2E(flag, f, 2.0), f);
+    EXPECT_EQ(flag, 0) << f;
+  }
+}
+
+TEST(Anomalies, NegativeEccentricityRefusedParabolaPassedThrough) {
+  int flag = -1;
+  EXPECT_EQ(E2f(flag, 0.7, -0.1), 0.7);
+  EXPECT_EQ(flag, 0);
+  EXPECT_EQ(E2M(flag, 0.7, -0.1), 0.7);
+  EXPECT_EQ(flag, 0);
+  EXPECT_EQ(f2E(flag, 0.7, -0.1), 0.7);
+  EXPECT_EQ(flag, 0);
+  for (double x : {0.7, -12.0, 100.0}) {
+    flag = -1;
+    EXPECT_EQ(E2f(flag, x, 1.0), x);
+    EXPECT_EQ(flag, 1);
+    flag = -1;
+    EXPECT_EQ(E2M(flag, x, 1.0), x);
+    EXPECT_EQ(flag, 1);
+    flag = -1;
+    EXPECT_EQ(f2E(flag, x, 1.0), x);
+    EXPECT_EQ(flag, 1);
+  }
+}
+
+TEST(Anomalies, MeanMotionAdvance) {
+  // One period of a 1 AU circle about the Sun is 2 pi sqrt(a^3 / mu).
+  const double a = astro_test::kAU;
+  const double T = kTwoPi * std::sqrt(a * a * a / astro_test::kMuSun);
+  EXPECT_NEAR(M0dt2Mt(0.5, astro_test::kMuSun, a, T), 0.5 + kTwoPi, 1e-12);
+  EXPECT_EQ(M0dt2Mt(0.5, astro_test::kMuSun, a, 0.0), 0.5);
+}
+
+}  // namespace
