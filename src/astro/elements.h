@@ -5,7 +5,8 @@
 //   ee  : modified equinoctial p, f, g, h, k, L
 //   soe : a, argument of latitude, i, e*cos(omega), e*sin(omega), RAAN
 // The flag is 0 on entry and 1 once the output is written; a refused input leaves the
-// output untouched. Outputs must not alias inputs.
+// output untouched, except that rv2ee writes p before it refuses a retrograde equatorial
+// state. Outputs must not alias inputs.
 #pragma once
 
 void coe2rv(int& flag, double* rv, const double* coe, double mu);

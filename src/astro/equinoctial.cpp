@@ -77,10 +77,8 @@ void ee2rv(int& flag, double* rv, const double* ee, double mu) {
   const double x = cL + alpha2 * cL + 2.0 * he * ke * sL;
   const double y = sL - alpha2 * sL + 2.0 * he * ke * cL;
   const double z = 2.0 * (he * sL - ke * cL);
-  const double vx =
-      sL + alpha2 * sL - 2.0 * he * ke * cL + ge - 2.0 * fe * he * ke + alpha2 * ge;
-  const double vy =
-      -cL + alpha2 * cL + 2.0 * he * ke * sL - fe + 2.0 * ge * he * ke + alpha2 * fe;
+  const double vx = sL + alpha2 * sL - 2.0 * he * ke * cL + ge - 2.0 * fe * he * ke + alpha2 * ge;
+  const double vy = -cL + alpha2 * cL + 2.0 * he * ke * sL - fe + 2.0 * ge * he * ke + alpha2 * fe;
   const double vz = -2.0 * (he * cL + ke * sL + fe * he + ge * ke);
   rv[0] = rs * x;
   rv[1] = rs * y;
@@ -110,7 +108,7 @@ void rv2ee(int& flag, double* ee, const double* rv, double mu) {
   ee[2] = kavren::dot3(g.e_vec, g_hat);
   ee[3] = he;
   ee[4] = ke;
-  ee[5] = kavren::wrap_to_turn(
-      std::atan2(kavren::dot3(g.r_hat, g_hat), kavren::dot3(g.r_hat, f_hat)));
+  ee[5] =
+      kavren::wrap_to_turn(std::atan2(kavren::dot3(g.r_hat, g_hat), kavren::dot3(g.r_hat, f_hat)));
   flag = 1;
 }

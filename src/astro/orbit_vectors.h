@@ -18,7 +18,9 @@ inline void cross3(const double* a, const double* b, double* c) {
   c[2] = a[0] * b[1] - a[1] * b[0];
 }
 
-inline double norm3(const double* a) { return std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]); }
+inline double norm3(const double* a) {
+  return std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
+}
 
 // Signed angle from u to w about the unit axis n (u and w need not be unit vectors).
 inline double signed_angle3(const double* u, const double* w, const double* n) {

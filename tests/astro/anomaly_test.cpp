@@ -79,8 +79,7 @@ TEST(KeplerEquation, ToleranceAboveOneMakesNoIteration) {
   // sin M > 0: start at M + 0.85 e; sin M < 0: M - 0.85 e; both with the turns kept.
   EXPECT_DOUBLE_EQ(M2E(flag, 1.0, 0.5, 100, 2.0), 1.0 + 0.85 * 0.5);
   EXPECT_EQ(flag, 1);
-  EXPECT_DOUBLE_EQ(M2E(flag, 4.0 + 2.0 * kTwoPi, 0.5, 100, 2.0),
-                   4.0 - 0.85 * 0.5 + 2.0 * kTwoPi);
+  EXPECT_DOUBLE_EQ(M2E(flag, 4.0 + 2.0 * kTwoPi, 0.5, 100, 2.0), 4.0 - 0.85 * 0.5 + 2.0 * kTwoPi);
   EXPECT_EQ(flag, 1);
 }
 
@@ -171,8 +170,7 @@ TEST(Anomalies, EllipticTurnsAreAddedBack) {
   const double one = E2f(flag, 0.1, 0.3);
   EXPECT_NEAR(E2f(flag, kTwoPi + 0.1, 0.3), kTwoPi + one, 1e-14);
   EXPECT_NEAR(E2f(flag, -3.0 * kTwoPi + 0.1, 0.3), -3.0 * kTwoPi + one, 1e-13);
-  EXPECT_NEAR(E2M(flag, 5.0 * kTwoPi + 1.0, 0.3), 5.0 * kTwoPi + 1.0 - 0.3 * std::sin(1.0),
-              1e-13);
+  EXPECT_NEAR(E2M(flag, 5.0 * kTwoPi + 1.0, 0.3), 5.0 * kTwoPi + 1.0 - 0.3 * std::sin(1.0), 1e-13);
 }
 
 TEST(Anomalies, AsymptoteBoundIsInclusive) {

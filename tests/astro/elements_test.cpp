@@ -88,8 +88,12 @@ TEST(RoundTrip, SeededRandomElementsOfEveryShape) {
       const double lim = kPi - std::acos(1.0 / e) - 0.05;
       f = std::uniform_real_distribution<double>(-lim, lim)(rng);
     }
-    const double coe[6] = {kAU * std::uniform_real_distribution<double>(0.2, 4.0)(rng), e,
-                           incl(rng), angle(rng), angle(rng), f};
+    const double coe[6] = {kAU * std::uniform_real_distribution<double>(0.2, 4.0)(rng),
+                           e,
+                           incl(rng),
+                           angle(rng),
+                           angle(rng),
+                           f};
     double rv[6];
     rv_of(coe, rv);
     expect_round_trips(rv, kMuSun, 1.0e-9, coe[2] < 170.0 * kDeg);
@@ -247,16 +251,20 @@ TEST(RvToCoe, TrueAnomalyBeforePeriapsisStaysNegative) {
 
 TEST(RvToCoe, HyperbolicAnomalyStaysBetweenTheAsymptotes) {
   const double e = 2.0, delta = std::acos(1.0 / e);
-  for (double f : {119.9 * kDeg, -119.9 * kDeg, 100.0 * kDeg, -0.5}) {
-    const double coe0[6] = {0.7 * kAU, e, 0.3, 0.2, 0.1, f};
-    double rv[6], coe[6];
-    rv_of(coe0, rv);
-    int flag = -1;
-    rv2coe(flag, coe, rv, kMuSun);
-    ASSERT_EQ(flag, 1);
-    EXPECT_GE(coe[5], delta - kPi) << f;
-    EXPECT_LE(coe[5], kPi - delta) << f;
-    EXPECT_NEAR(coe[5], f, 1e-9);
+  // Arguments of periapsis near half a turn make the argument of latitude wrap, so the
+  // difference u - omega lands a turn off on either side before it is brought back.
+  for (double w : {0.1, 3.0, 3.3, 6.0}) {
+    for (double f : {119.9 * kDeg, -119.9 * kDeg, 100.0 * kDeg, -100.0 * kDeg, -0.5}) {
+      const double coe0[6] = {0.7 * kAU, e, 0.3, 0.2, w, f};
+      double rv[6], coe[6];
+      rv_of(coe0, rv);
+      int flag = -1;
+      rv2coe(flag, coe, rv, kMuSun);
+      ASSERT_EQ(flag, 1);
+      EXPECT_GE(coe[5], delta - kPi) << f << " " << w;
+      EXPECT_LE(coe[5], kPi - delta) << f << " " << w;
+      EXPECT_NEAR(coe[5], f, 1e-9) << w;
+    }
   }
 }
 
@@ -318,9 +326,9 @@ TEST(Equinoctial, CoeToEeValidation) {
     double mu;
     int expected;
   };
-  const Case cases[] = {{0, -1.0, kMuSun, 0},  {1, -0.01, kMuSun, 0}, {2, -0.01, kMuSun, 0},
-                        {2, kPi, kMuSun, 1},   {0, 0.0, kMuSun, 1},    {0, kAU, 0.0, 0},
-                        {0, NAN, kMuSun, 0},   {5, NAN, kMuSun, 0}};
+  const Case cases[] = {{0, -1.0, kMuSun, 0}, {1, -0.01, kMuSun, 0}, {2, -0.01, kMuSun, 0},
+                        {2, kPi, kMuSun, 1},  {0, 0.0, kMuSun, 1},   {0, kAU, 0.0, 0},
+                        {0, NAN, kMuSun, 0},  {5, NAN, kMuSun, 0}};
   for (const Case& c : cases) {
     double coe[6], ee[6];
     std::memcpy(coe, good, sizeof coe);
@@ -423,11 +431,27 @@ TEST(Equinoctial, EeToCoeDegenerateBranches) {
   EXPECT_EQ(coe[0], 7000.0);
 }
 
+TEST(Equinoctial, OpenOrbitsComeBackBetweenTheAsymptotes) {
+  // ee2coe wraps the anomaly to one positive turn; an open orbit then takes it back to
+  // the branch before periapsis.
+  for (double e : {1.0, 2.0}) {
+    const double coe[6] = {kAU, e, 0.4, 0.5, 0.6, -100.0 * kDeg};
+    double ee[6], back[6];
+    int flag = -1;
+    coe2ee(flag, ee, coe, kMuSun);
+    ASSERT_EQ(flag, 1);
+    ee2coe(flag, back, ee, kMuSun);
+    ASSERT_EQ(flag, 1);
+    EXPECT_NEAR(back[5], -100.0 * kDeg, 1e-12) << e;
+    EXPECT_LE(astro_test::rel_err(back[0], kAU), 1e-12);
+  }
+}
+
 TEST(NonSingular, RoundTripDescribesTheSameOrbit) {
   std::mt19937_64 rng(8);
   std::uniform_real_distribution<double> u(0.0, 1.0);
   for (int n = 0; n < 2000; ++n) {
-    const double coe[6] = {kAU * (0.3 + u(rng)), 0.9 * u(rng), kPi * u(rng),
+    const double coe[6] = {kAU * (0.3 + u(rng)), 0.9 * u(rng),         kPi * u(rng),
                            20.0 * u(rng) - 10.0, 20.0 * u(rng) - 10.0, 20.0 * u(rng) - 10.0};
     double soe[6], back[6], rv0[6], rv1[6];
     coe2soe(coe, soe);

@@ -34,6 +34,18 @@ class CoutCapture {
   std::streambuf* old_;
 };
 
+// Counts the flushes that reach it, keeping the bytes.
+class FlushCountingBuffer : public std::stringbuf {
+ public:
+  int flushes = 0;
+
+ protected:
+  int sync() override {
+    ++flushes;
+    return std::stringbuf::sync();
+  }
+};
+
 std::string from_hex(const std::string& hex) {
   std::string out;
   for (size_t k = 0; k + 1 < hex.size(); k += 2) {
@@ -44,8 +56,9 @@ std::string from_hex(const std::string& hex) {
 
 TEST(TrueAnomalyFlight, ParabolaOutsideHalfTurnPrintsTheGbkLine) {
   const std::string expected =
-      from_hex("b6d4d3dac5d7ceefcfdfb9ecb5c02cb3f5cabcd5e6bdfcb5e3bdc7d3a6d4da2d313830d6c1313830"
-               "b6c8d6aebce42e") +
+      from_hex(
+          "b6d4d3dac5d7ceefcfdfb9ecb5c02cb3f5cabcd5e6bdfcb5e3bdc7d3a6d4da2d313830d6c1313830"
+          "b6c8d6aebce42e") +
       "\n";
   ASSERT_EQ(expected.size(), 48u);
   for (double f0 : {3.2, -3.2}) {
@@ -56,6 +69,14 @@ TEST(TrueAnomalyFlight, ParabolaOutsideHalfTurnPrintsTheGbkLine) {
     EXPECT_EQ(flag, 0);
     EXPECT_EQ(f, f0);
   }
+  // The line is flushed as it is written.
+  FlushCountingBuffer buffer;
+  std::streambuf* old = std::cout.rdbuf(&buffer);
+  int flag = -1;
+  f0dt2ft(flag, 4.0, 1000.0, 7000.0, 1.0, 398600.4418, 100, 1e-14);
+  std::cout.rdbuf(old);
+  EXPECT_EQ(buffer.str(), expected);
+  EXPECT_EQ(buffer.flushes, 1);
 }
 
 TEST(TrueAnomalyFlight, SilentOutsideTheParabolicMessage) {
@@ -241,9 +262,9 @@ TEST(StatePropagation, HyperbolicStatesConserveEnergyAndMomentum) {
     const double dt = 86400.0 * 200.0 * (n % 2 ? 1.0 : -1.0);
     rv02rvf(flag, rv_t, rv0, dt, kMuSun);
     ASSERT_EQ(flag, 1);
-    EXPECT_LE(astro_test::rel_err(astro_test::energy(rv_t, kMuSun),
-                                  astro_test::energy(rv0, kMuSun)),
-              1e-9);
+    EXPECT_LE(
+        astro_test::rel_err(astro_test::energy(rv_t, kMuSun), astro_test::energy(rv0, kMuSun)),
+        1e-9);
     const double hz0 = rv0[0] * rv0[4] - rv0[1] * rv0[3];
     const double hzt = rv_t[0] * rv_t[4] - rv_t[1] * rv_t[3];
     EXPECT_LE(std::fabs(hzt - hz0) / std::fabs(hz0 + 1.0e9), 1e-9);
@@ -255,8 +276,12 @@ TEST(StatePropagation, EquinoctialMatchesCartesian) {
   std::mt19937_64 rng(4);
   std::uniform_real_distribution<double> u(0.0, 1.0);
   for (int n = 0; n < 2000; ++n) {
-    const double coe[6] = {kAU * (0.3 + 3.0 * u(rng)), 0.9 * u(rng), 2.5 * u(rng),
-                           kTwoPi * u(rng), kTwoPi * u(rng), kTwoPi * u(rng)};
+    const double coe[6] = {kAU * (0.3 + 3.0 * u(rng)),
+                           0.9 * u(rng),
+                           2.5 * u(rng),
+                           kTwoPi * u(rng),
+                           kTwoPi * u(rng),
+                           kTwoPi * u(rng)};
     double ee0[6], ee_t[6], rv0[6], rv_t[6], rv_ee[6];
     int flag = -1;
     coe2ee(flag, ee0, coe, kMuSun);
