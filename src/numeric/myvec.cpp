@@ -1,6 +1,7 @@
 #include "numeric/myvec.h"
 
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <new>
 
