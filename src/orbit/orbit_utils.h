@@ -18,8 +18,8 @@
 // map keeps only those terms: it is accurate to first order in J2 and carries no
 // long-period or secular part.
 // Validity: elliptic orbits, 0 < e < 1. The corrections to argp and M individually grow
-// like 1/e (their sum stays bounded), so near-circular orbits (e below a few times J2)
-// are outside the useful range. The short-period terms hold at every inclination; the
+// like J2 (Req/p)^2 / e (their sum stays bounded), so orbits whose eccentricity is not
+// well above J2 (Req/p)^2 are outside the useful range, and e = 0 is refused. The short-period terms hold at every inclination; the
 // critical inclination only troubles the long-period terms, which are not modelled here.
 // Angles are not reduced to one turn.
 #pragma once
