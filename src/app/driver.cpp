@@ -18,11 +18,17 @@ namespace {
 // Every stage prints its own message; a false return ends the run with status 0.
 int run_stages() {
   ReadAsteroidsData("KAVREN_Asteroids_Data.txt");
+  return check_solution("Result.txt", true);
+}
 
+}  // namespace
+
+int check_solution(const char* solution_file, bool release_catalogue) {
   std::vector<ShipClass> ships;
   int num_ships = 0;
-  if (!ReadSolutionFile(ships, num_ships, "Result.txt")) return 0;
+  if (!ReadSolutionFile(ships, num_ships, solution_file)) return 0;
 
+  // The loop runs over the reported ship count, never past the ships actually held.
   const int checked = num_ships < static_cast<int>(ships.size()) ? num_ships
                                                                   : static_cast<int>(ships.size());
   for (int index = 0; index < checked; ++index) {
@@ -31,19 +37,17 @@ int run_stages() {
 
   std::vector<DmStructAsteroid> dm_asteroids(kNumAsteroids);
   std::vector<StoreDmStruct> store_dm;
-  if (!CheckVisitDm(ships, num_ships, dm_asteroids, store_dm)) return 0;
+  if (!CheckVisitDm(ships, checked, dm_asteroids, store_dm)) return 0;
   if (!CheckBuringArc(ships)) return 0;
 
   double total_resource_mass = 0.0;
   if (!Test_MotherShipNum(num_ships, store_dm, total_resource_mass)) return 0;
   if (!Output_Solution(store_dm)) return 0;
-  clear_info();
+  if (release_catalogue) clear_info();
 
   print_summary(std::cout, num_ships, store_dm.size(), total_resource_mass);
   return 0;
 }
-
-}  // namespace
 
 int run_verifier(int argc) {
   // Only the argument count matters: any argument is refused before anything is read.

@@ -1,0 +1,36 @@
+// The synthetic asteroid catalogue: random plausible main-belt rows plus asteroids
+// planted on the ships' own trajectories. The table is installed as the verifier's
+// catalogue so the builder can check every encounter against the real ephemeris.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "synth/rng.h"
+
+namespace synth {
+
+using Row = std::array<double, 7>;  // epoch, a (AU), e, i, RAAN, argp, M0 (degrees)
+
+class Catalogue {
+ public:
+  explicit Catalogue(std::uint64_t seed);
+  ~Catalogue();
+  Catalogue(const Catalogue&) = delete;
+  Catalogue& operator=(const Catalogue&) = delete;
+
+  // Plants an asteroid that passes through (r, v) at epoch t (MJD); returns its ID.
+  int plant(const double* rv, double t);
+  std::string text() const;
+  int planted() const { return next_id_ - first_planted_; }
+
+ private:
+  std::vector<Row> rows_;
+  std::vector<double*> pointers_;
+  int first_planted_;
+  int next_id_;
+};
+
+}  // namespace synth

@@ -1,0 +1,98 @@
+// kavren-synth: writes valid scenarios (catalogue, solution, expected verdict) for the
+// verifier's end-to-end tests, the demo and the benchmarks.
+//   kavren-synth demo <dir> [--seed N]
+//   kavren-synth suite <dir>
+//   kavren-synth bench <dir> [--ships N] [--seed N]
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <string>
+
+#include "synth/builder.h"
+#include "synth/catalogue.h"
+#include "synth/scenarios.h"
+
+namespace {
+
+void write_file(const std::string& path, const std::string& bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (!out) throw std::runtime_error("cannot write " + path);
+}
+
+void make_dir(const std::string& path) {
+  if (mkdir(path.c_str(), 0755) != 0 && errno != EEXIST) {
+    throw std::runtime_error("cannot create " + path);
+  }
+}
+
+template <typename Build>
+void write_scenario(const std::string& dir, std::uint64_t seed, Build build) {
+  make_dir(dir);
+  synth::Catalogue catalogue(seed);
+  synth::Builder builder(catalogue);
+  const synth::Scenario scenario = build(builder);
+  write_file(dir + "/KAVREN_Asteroids_Data.txt", catalogue.text());
+  write_file(dir + "/Result.txt", builder.result_text());
+  write_file(dir + "/expected_stdout.txt", builder.expected_stdout());
+  write_file(dir + "/expected_ScoreData.txt", builder.expected_score());
+  std::string manifest = "scenario: " + scenario.name + "\n" +
+                         "description: " + scenario.description + "\n" +
+                         "seed: " + std::to_string(seed) + "\n" +
+                         "ships: " + std::to_string(builder.num_ships()) + "\n" +
+                         "lines: " + std::to_string(builder.num_lines()) + "\n" +
+                         "planted asteroids: " + std::to_string(catalogue.planted()) + "\n" +
+                         "expected stdout:\n" + builder.expected_stdout();
+  write_file(dir + "/manifest.txt", manifest);
+  std::cout << dir << ": " << scenario.name << ", " << builder.num_ships() << " ships, "
+            << builder.num_lines() << " lines\n";
+}
+
+long option(int argc, char** argv, const std::string& name, long fallback) {
+  for (int k = 3; k + 1 < argc; ++k) {
+    if (argv[k] == name) return std::strtol(argv[k + 1], nullptr, 10);
+  }
+  return fallback;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 3) {
+    std::cerr << "usage: kavren-synth demo|suite|bench <dir> [--seed N] [--ships N]\n";
+    return 2;
+  }
+  const std::string command = argv[1];
+  const std::string dir = argv[2];
+  const auto seed = static_cast<std::uint64_t>(option(argc, argv, "--seed", 1));
+  try {
+    if (command == "demo") {
+      write_scenario(dir, seed, [&](synth::Builder& b) { return synth::build_demo(b, seed); });
+    } else if (command == "suite") {
+      make_dir(dir);
+      for (int k = 0; k < synth::suite_size(); ++k) {
+        write_scenario(dir + "/case" + std::to_string(k), 100 + k,
+                       [&](synth::Builder& b) { return synth::build_suite_case(b, k); });
+      }
+    } else if (command == "bench") {
+      const int ships = static_cast<int>(option(argc, argv, "--ships", 100));
+      if (ships < 2 || ships > 100 || ships % 2 != 0) {
+        throw std::runtime_error("--ships must be an even number from 2 to 100");
+      }
+      write_scenario(dir, seed,
+                     [&](synth::Builder& b) { return synth::build_bench(b, ships, seed); });
+    } else {
+      std::cerr << "unknown command " << command << "\n";
+      return 2;
+    }
+  } catch (const std::exception& e) {
+    std::cerr << "kavren-synth: " << e.what() << "\n";
+    return 1;
+  }
+  return 0;
+}

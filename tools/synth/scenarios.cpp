@@ -1,0 +1,239 @@
+#include "synth/scenarios.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "astro/ephemeris.h"
+#include "synth/rng.h"
+
+namespace synth {
+namespace {
+
+constexpr double kDeg = 0.017453292519943295;
+
+// Sidereal period of the Earth's Keplerian orbit, days: a ship leaving the Earth with
+// the Earth's heliocentric speed shares it and meets the Earth again after each period.
+double earth_period_days() {
+  const double a = 149579151.285;
+  return 2.0 * 3.14159265358979323846 * std::sqrt(a * a * a / 132712440018.0) / 86400.0;
+}
+
+// Excess velocity that turns the Earth's velocity by `angle` about the radial direction:
+// the speed, hence the orbital period, stays the Earth's.
+void resonant_vinf(double epoch, double angle, double* vinf) {
+  double earth[6];
+  int flag = 0;
+  getrv_stats_asteroids(flag, earth, 0, epoch);
+  const double rn = std::sqrt(earth[0] * earth[0] + earth[1] * earth[1] + earth[2] * earth[2]);
+  const double u[3] = {earth[0] / rn, earth[1] / rn, earth[2] / rn};
+  const double* v = earth + 3;
+  const double uxv[3] = {u[1] * v[2] - u[2] * v[1], u[2] * v[0] - u[0] * v[2],
+                         u[0] * v[1] - u[1] * v[0]};
+  const double udv = u[0] * v[0] + u[1] * v[1] + u[2] * v[2];
+  const double c = std::cos(angle), s = std::sin(angle);
+  for (int k = 0; k < 3; ++k) vinf[k] = v[k] * c + uxv[k] * s + u[k] * udv * (1.0 - c) - v[k];
+}
+
+// Zero-thrust phases packed into (from, to): the thrust dynamics run, the orbit does not
+// change, so resonant ships still meet the Earth and their asteroids again.
+std::vector<Phase> idle_phases(double from, double to, int lines, int max_phases) {
+  std::vector<Phase> phases;
+  double start = from + 0.25;
+  while (static_cast<int>(phases.size()) < max_phases && start + (lines - 1) <= to - 0.25) {
+    Phase p;
+    p.start = start;
+    p.lines = lines;
+    phases.push_back(p);
+    start += lines - 1;
+  }
+  return phases;
+}
+
+struct Encounter {
+  double epoch;
+  int kind;  // 0 deploy, 1 collect, 2 Earth drop
+  int slot;  // deploy: index into the pair's asteroid list; collect: asteroid slot
+  double mass;
+};
+
+// Two ships launched together on the Earth's period. Each deploys `deploys` miners in the
+// first period; each collects the other's asteroids, half after `k1` periods and half after
+// `k2`, dropping at the Earth after each half.
+struct PairPlan {
+  double t0 = 64400.0;
+  double angle = 8.0 * kDeg;
+  int deploys = 10;
+  double first_offset = 10.0;
+  double spacing = 30.0;
+  int k1 = 3, k2 = 4;
+  double mass1 = 29.9, mass2 = 39.9;
+  int idle_lines = 4;      // thrust lines per idle phase, 0 for pure coasts
+  int idle_per_arc = 2;
+  double launch_mass = 2000.0;
+};
+
+void build_pair(Builder& b, const PairPlan& plan) {
+  const double T = earth_period_days();
+  double vinf[3];
+  resonant_vinf(plan.t0, plan.angle, vinf);
+  std::vector<int> asteroid_of[2];
+  asteroid_of[0].assign(plan.deploys, 0);
+  asteroid_of[1].assign(plan.deploys, 0);
+  // Deploys of ship s at t0 + first_offset + s * spacing / 2 + j * spacing.
+  auto deploy_epoch = [&](int s, int j) {
+    return plan.t0 + plan.first_offset + s * plan.spacing / 2.0 + j * plan.spacing;
+  };
+  for (int s = 0; s < 2; ++s) {
+    b.begin_ship();
+    b.launch(plan.t0, vinf, plan.launch_mass);
+    std::vector<Encounter> plan_events;
+    for (int j = 0; j < plan.deploys; ++j) plan_events.push_back({deploy_epoch(s, j), 0, j, 0.0});
+    const int other = 1 - s;
+    for (int j = 0; j < plan.deploys; ++j) {
+      const bool first_half = j < plan.deploys / 2;
+      const int k = first_half ? plan.k1 : plan.k2;
+      plan_events.push_back(
+          {deploy_epoch(other, j) + k * T, 1, j, first_half ? plan.mass1 : plan.mass2});
+    }
+    plan_events.push_back({plan.t0 + (plan.k1 + 1) * T, 2, 0, 0.0});
+    plan_events.push_back({plan.t0 + (plan.k2 + 1) * T, 2, 0, 0.0});
+    std::sort(plan_events.begin(), plan_events.end(),
+              [](const Encounter& x, const Encounter& y) { return x.epoch < y.epoch; });
+    double previous = plan.t0;
+    for (const Encounter& e : plan_events) {
+      std::vector<Phase> phases;
+      if (plan.idle_lines >= 2)
+        phases = idle_phases(previous, e.epoch, plan.idle_lines, plan.idle_per_arc);
+      b.arc_to(e.epoch, phases);
+      if (e.kind == 0) {
+        asteroid_of[s][e.slot] = b.deploy(asteroid_of[s][e.slot]);
+      } else if (e.kind == 1) {
+        // The first ship of the pair is written before its partner deploys: the
+        // asteroid is planted here, on the shared orbit, and the partner meets it there
+        // some periods earlier.
+        int& id = asteroid_of[other][e.slot];
+        if (id == 0) id = b.plant_here();
+        b.collect(id, e.mass);
+      } else {
+        b.earth_drop();
+      }
+      previous = e.epoch;
+    }
+  }
+}
+
+// A ship that really thrusts (up to 0.5 N) and then only leaves miners behind.
+void build_thruster(Builder& b, double t0, Rng& rng) {
+  b.begin_ship();
+  double earth[6];
+  int flag = 0;
+  getrv_stats_asteroids(flag, earth, 0, t0);
+  const double vn = std::sqrt(earth[3] * earth[3] + earth[4] * earth[4] + earth[5] * earth[5]);
+  const double vinf[3] = {3.0 * earth[3] / vn, 3.0 * earth[4] / vn, 3.0 * earth[5] / vn};
+  b.launch(t0, vinf, 2800.0);
+  double t = t0;
+  for (int leg = 0; leg < 3; ++leg) {
+    const double* v = b.reached_epoch() > 0.0 && leg > 0 ? b.reached_rv() + 3 : earth + 3;
+    const double n = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    const double magnitude = rng.uniform(0.2, 0.5);
+    std::vector<Phase> phases;
+    Phase p1;
+    p1.start = t + 3.0;
+    p1.lines = 10 + static_cast<int>(rng.next() % 10);
+    for (int k = 0; k < 3; ++k) p1.u[k] = magnitude * v[k] / n;
+    phases.push_back(p1);
+    Phase p2;
+    p2.start = p1.start + p1.lines + 4.0;
+    p2.lines = 6;
+    p2.last_step = 0.5;
+    for (int k = 0; k < 3; ++k) p2.u[k] = -0.6 * v[k] / n;  // exactly the engine's limit
+    phases.push_back(p2);
+    t = p2.start + p2.lines + 8.0;
+    b.arc_to(t, phases);
+    b.deploy();
+  }
+}
+
+}  // namespace
+
+Scenario build_demo(Builder& b, std::uint64_t seed) {
+  Rng rng(seed);
+  PairPlan first;
+  first.t0 = 64400.0 + std::floor(rng.uniform(0.0, 20.0));
+  build_pair(b, first);
+  PairPlan second;
+  second.t0 = first.t0 + 20.5;
+  second.angle = -10.0 * kDeg;
+  second.first_offset = 12.0;
+  second.idle_lines = 0;  // pure coasts between this pair's events
+  build_pair(b, second);
+  build_thruster(b, 64600.0, rng);
+  return {"demo", "two resonant mining pairs and one thrusting ship"};
+}
+
+int suite_size() { return 4; }
+
+Scenario build_suite_case(Builder& b, int index) {
+  Rng rng(1000 + index);
+  switch (index) {
+    case 0:
+      return build_demo(b, 7);
+    case 1: {
+      PairPlan plan;
+      plan.t0 = 65000.0;
+      plan.angle = 11.0 * kDeg;  // about 5.7 km/s, near the launch limit
+      plan.deploys = 20;         // the most miners a ship may use
+      plan.spacing = 14.0;
+      plan.idle_lines = 2;
+      build_pair(b, plan);
+      return {"full-miners", "one pair, 20 miners each, near-limit launch speed"};
+    }
+    case 2: {
+      PairPlan plan;
+      plan.t0 = 64328.0;  // the first day of the mission
+      plan.k1 = 2;
+      plan.k2 = 5;
+      plan.mass1 = 19.9;
+      plan.mass2 = 49.9;
+      plan.idle_lines = 7;
+      plan.idle_per_arc = 3;
+      build_pair(b, plan);
+      build_thruster(b, 64900.0, rng);
+      return {"long-collections", "collections after two and five periods, and a thruster"};
+    }
+    default: {
+      for (int pair = 0; pair < 3; ++pair) {
+        PairPlan plan;
+        plan.t0 = 64500.0 + 7.25 * pair;
+        plan.angle = (pair % 2 == 0 ? 6.0 : -7.0) * kDeg;
+        plan.deploys = 10;
+        plan.idle_lines = pair == 1 ? 0 : 3;
+        build_pair(b, plan);
+      }
+      return {"three-pairs", "six resonant ships"};
+    }
+  }
+}
+
+Scenario build_bench(Builder& b, int ships, std::uint64_t seed) {
+  Rng rng(seed);
+  for (int pair = 0; 2 * pair < ships; ++pair) {
+    PairPlan plan;
+    plan.t0 = 64330.0 + 3.0 * pair;
+    plan.angle = (pair % 2 == 0 ? 1.0 : -1.0) * (5.0 + std::floor(rng.uniform(0.0, 5.0))) * kDeg;
+    plan.deploys = 20;
+    plan.first_offset = 5.0;
+    plan.spacing = 14.0;
+    plan.k1 = 5;
+    plan.k2 = 5;
+    plan.mass1 = 49.95;
+    plan.mass2 = 49.95;
+    plan.idle_lines = 5;
+    plan.idle_per_arc = 1000;
+    build_pair(b, plan);
+  }
+  return {"bench", std::to_string(ships) + " resonant ships with packed thrust tables"};
+}
+
+}  // namespace synth

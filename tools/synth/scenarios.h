@@ -1,0 +1,24 @@
+// The scenarios the synthesiser writes: each fills a Builder (and its Catalogue).
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "synth/builder.h"
+
+namespace synth {
+
+struct Scenario {
+  std::string name;
+  std::string description;
+};
+
+// Resonant mining pairs plus a thrusting deploy-only ship.
+Scenario build_demo(Builder& builder, std::uint64_t seed);
+// Variants for the end-to-end suite, index 0 .. suite_size() - 1.
+int suite_size();
+Scenario build_suite_case(Builder& builder, int index);
+// A large case: `ships` ships whose arcs are packed with one-day thrust-table lines.
+Scenario build_bench(Builder& builder, int ships, std::uint64_t seed);
+
+}  // namespace synth
