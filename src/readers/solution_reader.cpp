@@ -5,8 +5,8 @@
 #include <iostream>
 #include <string_view>
 
-#include "readers/file_bytes.h"
-#include "readers/solution_lines.h"
+#include "readers/line_source.h"
+#include "readers/ship_assembly.h"
 #include "readers/tokenizer.h"
 #include "records/termination.h"
 
@@ -19,6 +19,7 @@ constexpr double kMissionEnd = 69807.0;
 // Lists of line indices by event kind, in line order.
 struct EventLists {
   std::vector<int> launches, venus, earth, mars, rendezvous, ship_starts;
+  std::vector<int> rendezvous_ids;  // the asteroid of each rendezvous line
   int previous_ship = 0;  // ship ID of the line before
 };
 
@@ -28,8 +29,8 @@ bool refuse_line(const char* head, int index, const char* tail) {
 }
 
 // Reads, checks and classifies one line (steps in the order the messages take).
-bool read_line(SolutionText& solution, std::string_view raw, std::size_t raw_begin, int index,
-               EventLists& lists, std::vector<std::string_view>& tokens) {
+bool read_line(std::string_view raw, int index, EventLists& lists,
+               std::vector<std::string_view>& tokens) {
   static constexpr const char* kA09 = "ErrorA09. File Format Error on the line ";
   const std::string_view text = trimmed_line(raw);
   if (text.empty()) return refuse_line(kA09, index, ": This line is empty!");
@@ -38,13 +39,8 @@ bool read_line(SolutionText& solution, std::string_view raw, std::size_t raw_beg
     return refuse_line(kA09, index, ": The number of data in this line is unreasonable.");
   }
   tokenize_line(text, tokens);
-  SolutionLine line;
-  line.text_begin = raw_begin + static_cast<std::size_t>(text.data() - raw.data());
-  line.text_length = text.size();
+  const int id = parse_int(tokens[1]);
   if (tokens.size() == 10) {
-    line.is_event = true;
-    line.event_id = parse_int(tokens[1]);
-    const int id = line.event_id;
     if (id == 0) {
       lists.launches.push_back(index);
     } else if (id == -2) {
@@ -55,13 +51,13 @@ bool read_line(SolutionText& solution, std::string_view raw, std::size_t raw_beg
       lists.mars.push_back(index);
     } else if (id >= 1 && id <= 60000) {
       lists.rendezvous.push_back(index);
+      lists.rendezvous_ids.push_back(id);
     } else {
       return refuse_line("ErrorA10. File Format Error on the line", index,
                          ": The event ID is unreasonable.");
     }
   } else if (tokens.size() == 6) {
-    line.event_id = parse_int(tokens[1]);
-    if (line.event_id != -1) {
+    if (id != -1) {
       return refuse_line("ErrorA11. File Format Error on the line", index,
                          ": The event ID of the burning arcs is wrong.");
     }
@@ -78,41 +74,34 @@ bool read_line(SolutionText& solution, std::string_view raw, std::size_t raw_beg
   if (index == 0 || ship != lists.previous_ship) lists.ship_starts.push_back(index);
   lists.previous_ship = ship;
 
-  line.epoch = parse_double(tokens[2]);
-  if (line.epoch < kMissionStart) {
+  const double epoch = parse_double(tokens[2]);
+  if (epoch < kMissionStart) {
     return refuse_line("Error001. Event Time Error on the line", index,
                        ": The epoch is earlier than the mission's initial time (64328 MJD).");
   }
-  if (line.epoch > kMissionEnd) {
+  if (epoch > kMissionEnd) {
     return refuse_line("Error002. Event Time Error on the line", index,
                        ": The epoch is later than the mission's end time (69807 MJD).");
   }
-  solution.lines.push_back(line);
   return true;
 }
 
-bool read_lines(SolutionText& solution, EventLists& lists) {
-  const std::string& bytes = solution.bytes;
+bool read_lines(LineSource& source, EventLists& lists, int& line_count) {
   std::vector<std::string_view> tokens;
   tokens.reserve(16);
-  std::size_t pos = 0;
+  std::string_view raw;
   int index = 0;
-  while (pos < bytes.size()) {
-    const void* newline = std::memchr(bytes.data() + pos, '\n', bytes.size() - pos);
-    const std::size_t end =
-        newline ? static_cast<std::size_t>(static_cast<const char*>(newline) - bytes.data())
-                : bytes.size();
-    const std::string_view raw(bytes.data() + pos, end - pos);
+  while (source.next(raw)) {
     // Line numbers are 32-bit; a file of more lines is refused at the last number
     // that can still be printed.
     if (index == INT_MAX - 1) {
       return refuse_line("ErrorA09. File Format Error on the line ", index,
                          ": The number of data in this line is unreasonable.");
     }
-    if (!read_line(solution, raw, pos, index, lists, tokens)) return false;
-    pos = newline ? end + 1 : bytes.size();
+    if (!read_line(raw, index, lists, tokens)) return false;
     ++index;
   }
+  line_count = index;
   return true;
 }
 
@@ -129,7 +118,7 @@ bool check_pairs(const std::vector<int>& list, const char* odd_message, const ch
   return true;
 }
 
-bool check_structure(const SolutionText& solution, const EventLists& lists) {
+bool check_structure(const EventLists& lists) {
   if (lists.launches.size() != 2 * lists.ship_starts.size()) {
     std::cout << "ErrorA13. File Format Error: The number of mining ships does not match the "
                  "number of launch events."
@@ -177,8 +166,7 @@ bool check_structure(const SolutionText& solution, const EventLists& lists) {
   for (std::size_t k = 0; k < visits.size(); k += 2) {
     const int first = visits[k];
     const int second = visits[k + 1];
-    if (second != first + 1 || solution.lines[static_cast<std::size_t>(second)].event_id !=
-                                   solution.lines[static_cast<std::size_t>(first)].event_id) {
+    if (second != first + 1 || lists.rendezvous_ids[k + 1] != lists.rendezvous_ids[k]) {
       return refuse_line("ErrorA23. File Format Error on the line", second,
                          ": The event IDs of one rendezvous do not appear in two adjacent "
                          "lines.");
@@ -187,35 +175,44 @@ bool check_structure(const SolutionText& solution, const EventLists& lists) {
   return true;
 }
 
+// Second reading of the file: every ship built from its run of lines.
+bool assemble_ships(LineSource& source, const std::vector<int>& starts, int line_count,
+                    std::vector<ShipClass>& ships) {
+  source.rewind();
+  std::string_view raw;
+  int index = 0;
+  for (std::size_t k = 0; k < starts.size(); ++k) {
+    const int end = k + 1 < starts.size() ? starts[k + 1] : line_count;
+    ShipClass ship;
+    ShipAssembler assembler(static_cast<int>(k) + 1, ship);
+    for (; index < end && source.next(raw); ++index) {
+      if (!assembler.add_line(index, trimmed_line(raw))) return false;
+    }
+    assembler.finish();
+    ships.push_back(std::move(ship));
+  }
+  return true;
+}
+
 }  // namespace
 }  // namespace kavren
 
 bool ReadSolutionFile(std::vector<ShipClass>& ships, int& num_ships, const char* file_name) {
-  kavren::SolutionText solution;
-  if (!kavren::read_file_bytes(file_name, solution.bytes)) {
+  kavren::LineSource source(file_name);
+  if (!source.is_open()) {
     std::cout << "ErrorA01. File Open Error: Cannot find the solution file." << std::endl;
     kavren::end_run(1);
   }
-  if (solution.bytes.empty()) {
+  if (source.empty()) {
     std::cout << "ErrorA02. File Open Error: The solution file is empty." << std::endl;
     return false;
   }
 
   kavren::EventLists lists;
-  if (!kavren::read_lines(solution, lists)) return false;
-  if (!kavren::check_structure(solution, lists)) return false;
-
-  const std::vector<int>& starts = lists.ship_starts;
-  num_ships = static_cast<int>(starts.size());
-  ships.reserve(ships.size() + starts.size());
-  const int line_count = static_cast<int>(solution.lines.size());
-  for (std::size_t k = 0; k < starts.size(); ++k) {
-    const int end = k + 1 < starts.size() ? starts[k + 1] : line_count;
-    ShipClass ship;
-    if (!kavren::assemble_ship(solution, static_cast<int>(k) + 1, starts[k], end, ship)) {
-      return false;
-    }
-    ships.push_back(std::move(ship));
-  }
-  return true;
+  int line_count = 0;
+  if (!kavren::read_lines(source, lists, line_count)) return false;
+  if (!kavren::check_structure(lists)) return false;
+  num_ships = static_cast<int>(lists.ship_starts.size());
+  ships.reserve(ships.size() + lists.ship_starts.size());
+  return kavren::assemble_ships(source, lists.ship_starts, line_count, ships);
 }

@@ -39,18 +39,27 @@ void split_views(std::string_view s, std::string_view delimiters,
 }
 
 void tokenize_line(std::string_view line, std::vector<std::string_view>& tokens) {
+  // One pass with the result of splitting on tabs and then each piece on blanks: a
+  // piece is a maximal run without tabs; a piece that starts with a blank (or a line
+  // that starts with a tab) yields "ROOT"; the tokens are the maximal runs without
+  // blanks inside each piece.
+  static constexpr std::string_view kRoot = "ROOT";
   tokens.clear();
-  // Split on tabs first, then each piece on blanks, in order. Pieces are handled one
-  // at a time so that a leading blank of a piece gives its own "ROOT".
-  std::size_t start = tokens.size();
-  split_views(line, "\t", tokens);
-  const std::size_t pieces = tokens.size() - start;
-  if (pieces == 0) return;
-  // Re-split the pieces in place: move them aside first, reusing a small buffer.
-  thread_local std::vector<std::string_view> piece_buffer;
-  piece_buffer.assign(tokens.begin() + static_cast<std::ptrdiff_t>(start), tokens.end());
-  tokens.resize(start);
-  for (std::string_view piece : piece_buffer) split_views(piece, " ", tokens);
+  const char* p = line.data();
+  const char* const end = p + line.size();
+  if (p != end && *p == '\t') tokens.push_back(kRoot);
+  while (p != end) {
+    while (p != end && *p == '\t') ++p;
+    if (p == end) break;
+    if (*p == ' ') tokens.push_back(kRoot);
+    // Inside one piece.
+    while (p != end && *p != '\t') {
+      while (p != end && *p == ' ') ++p;
+      const char* begin = p;
+      while (p != end && *p != ' ' && *p != '\t') ++p;
+      if (p != begin) tokens.emplace_back(begin, static_cast<std::size_t>(p - begin));
+    }
+  }
 }
 
 void decode_event_line(int line_index, const std::vector<std::string_view>& tokens,

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -117,6 +118,28 @@ TEST(EventLine, MissingTokensReadAsZero) {
   EXPECT_EQ(epoch, 64400.0);
   EXPECT_EQ(state.r[0], 0.0);
   EXPECT_EQ(state.mass, 0.0);
+}
+
+}  // namespace
+
+namespace {
+
+// The one-pass tokenizer gives what splitting on tabs and then on blanks gives.
+TEST(LineTokens, AgreeWithSplittingTwice) {
+  std::mt19937 rng(11);
+  const char alphabet[] = {'a', '1', ' ', '\t', '.', '\v'};
+  for (int trial = 0; trial < 20000; ++trial) {
+    std::string line;
+    const int length = static_cast<int>(rng() % 16);
+    for (int k = 0; k < length; ++k) line += alphabet[rng() % sizeof alphabet];
+    Tokens expected;
+    for (const std::string& piece : split(line, "\t")) {
+      for (const std::string& token : split(piece, " ")) expected.push_back(token);
+    }
+    std::vector<std::string_view> views;
+    kavren::tokenize_line(line, views);
+    EXPECT_EQ(Tokens(views.begin(), views.end()), expected) << "[" << line << "]";
+  }
 }
 
 }  // namespace
