@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "capture.h"
+#include "support/capture.h"
 #include "kepler_reference.h"
 #include "lowthrust/arc_propagation.h"
 #include "lowthrust/dynamics.h"
