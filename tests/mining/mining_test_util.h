@@ -1,0 +1,60 @@
+// Hand-built ships for the mining ledger, and an in-process run that captures what a
+// check prints and how it ends the run.
+#pragma once
+
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "records/records.h"
+#include "records/termination.h"
+
+namespace mining_test {
+
+struct Outcome {
+  std::string out;
+  bool ended = false;  // the check ended the run
+  int status = -1;     // the run's exit status when it did
+};
+
+template <class Check>
+Outcome run_captured(Check&& check) {
+  std::ostringstream buffer;
+  struct Redirect {
+    std::streambuf* saved;
+    ~Redirect() { std::cout.rdbuf(saved); }
+  } redirect{std::cout.rdbuf(buffer.rdbuf())};
+  Outcome outcome;
+  try {
+    check();
+  } catch (const kavren::Termination& end) {
+    outcome.ended = true;
+    outcome.status = end.status();
+  }
+  outcome.out = buffer.str();
+  return outcome;
+}
+
+// A rendezvous with asteroid `id` whose second line is file index `line_after`.
+inline VisitClass visit(int id, int line_after, double epoch, double mass_change) {
+  VisitClass v;
+  v.body_id = id;
+  v.state_before.line_index = line_after - 1;
+  v.state_before.epoch = epoch;
+  v.state_before.mass = 1000.0;
+  v.state_after.line_index = line_after;
+  v.state_after.epoch = epoch;
+  v.state_after.mass = 1000.0 + mass_change;
+  v.mass_change = mass_change;
+  return v;
+}
+
+inline ShipClass ship(int id, double time_of_LRE, std::initializer_list<VisitClass> visits) {
+  ShipClass s;
+  s.ship_id = id;
+  s.time_of_LRE = time_of_LRE;
+  s.visits = visits;
+  return s;
+}
+
+}  // namespace mining_test
