@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "lowthrust/arc_propagation.h"
+#include "records/output.h"
 #include "records/termination.h"
 
 namespace {
@@ -17,20 +18,20 @@ constexpr double kThrustStep = 1.0;  // day between thrust lines
 // Line numbers are printed 1-based; they are formed in 64 bits so that no file index can
 // overflow on the way.
 [[noreturn]] void error401(long long index, double magnitude) {
-  std::cout << "Error401. Thrust Magnitude Error on the line " << index + 1
+  kavren::out() << "Error401. Thrust Magnitude Error on the line " << index + 1
             << ": The thrust magnitude is " << magnitude << " N, greater than the maximum "
             << kThrustLimitPrinted << "N." << std::endl;
   kavren::end_run(0);
 }
 
 [[noreturn]] void format_error(const char* code, long long index, const char* what) {
-  std::cout << code << ". File Format Error on the line " << index + 1 << ": " << what
+  kavren::out() << code << ". File Format Error on the line " << index + 1 << ": " << what
             << std::endl;
   kavren::end_run(0);
 }
 
 [[noreturn]] void epoch_error(const char* code, long long index, const char* what) {
-  std::cout << code << ". Thrust Epoch Error between line " << index + 1 << " and line "
+  kavren::out() << code << ". Thrust Epoch Error between line " << index + 1 << " and line "
             << index + 2 << ": The time interval is " << what << std::endl;
   kavren::end_run(0);
 }
@@ -135,10 +136,5 @@ bool CheckBuringArc(const ShipClass& ship) {
     Test_LowThrustData(arc, count, starts, ends);
     Test_LowThrust_RKF78(arc, count, starts, ends);
   }
-  return true;
-}
-
-bool CheckBuringArc(const std::vector<ShipClass>& ships) {
-  for (const ShipClass& ship : ships) CheckBuringArc(ship);
   return true;
 }

@@ -7,6 +7,7 @@
 
 #include "lowthrust/dynamics.h"
 #include "lowthrust/rkf78.h"
+#include "records/output.h"
 #include "records/termination.h"
 
 namespace {
@@ -77,7 +78,7 @@ void integrate_arc(const BurningArc& arc, int count, const std::vector<int>& sta
       const double gap = ta - t;
       if (gap <= kNoCoastGap) {
         if (gap < kOrderingTolerance) {
-          std::cout << "Error003. Event Time Error on the line "
+          kavren::out() << "Error003. Event Time Error on the line "
                     << static_cast<long long>(starts[k]) + 1
                     << ": The start epoch of the burning arc is " << line_epoch(arc, s + 1)
                     << "(MJD), earlier than the end epoch of the previous event (or burning arc)."
@@ -107,7 +108,7 @@ void integrate_arc(const BurningArc& arc, int count, const std::vector<int>& sta
     const double gap = tf - t;
     if (gap <= kNoCoastGap) {
       if (gap < kOrderingTolerance) {
-        std::cout << "Error004. Event Time Error on the line "
+        kavren::out() << "Error004. Event Time Error on the line "
                   << static_cast<long long>(arc.last_line) + 1
                   << ": The end epoch of the burning arc is " << arc.end_epoch
                   << "(MJD), later than the start epoch of the subsequent event." << std::endl;
@@ -144,7 +145,7 @@ bool Judge_rvmf(const double* reached, const double* expected, int line) {
   const double dz = reached[2] - expected[2];
   const double dr = std::sqrt(dx * dx + dy * dy + dz * dz);
   if (dr > 1000.0) {
-    std::cout << "Error201. Position Error on the line " << shown
+    kavren::out() << "Error201. Position Error on the line " << shown
               << ": The position error between the integral state from the previous event and "
                  "the state shown in the file is "
               << dr << " km, greater than the constraint 1000 km." << std::endl;
@@ -155,7 +156,7 @@ bool Judge_rvmf(const double* reached, const double* expected, int line) {
   const double dvz = reached[5] - expected[5];
   const double dv = std::sqrt(dvx * dvx + dvy * dvy + dvz * dvz);
   if (dv > 0.001) {
-    std::cout << "Error202. Velocity Error on the line " << shown
+    kavren::out() << "Error202. Velocity Error on the line " << shown
               << ": The velocity error between the integral state from the previous event and "
                  "the state shown in the file is "
               << dv * 1000 << " m/s, greater than the constraint 1 m/s." << std::endl;
@@ -163,7 +164,7 @@ bool Judge_rvmf(const double* reached, const double* expected, int line) {
   }
   const double dm = std::abs(reached[6] - expected[6]);
   if (dm > 0.001) {
-    std::cout << "Error203. Mass Error on the line " << shown
+    kavren::out() << "Error203. Mass Error on the line " << shown
               << ": The mass error between the integral state from the previous event and the "
                  "state shown in the file is "
               << dm << " kg, greater than the constraint 0.001 kg." << std::endl;

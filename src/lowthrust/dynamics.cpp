@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iostream>
 
+#include "records/output.h"
 #include "records/termination.h"
 
 namespace {
@@ -120,7 +121,7 @@ void piecewise(const double* x, const double* const* ys, int count, long long n,
 }
 
 [[noreturn]] void error101(long long first, long long second) {
-  std::cout << "Error101. Position Error between line " << first << " and line " << second
+  kavren::out() << "Error101. Position Error between line " << first << " and line " << second
             << ": The distance to the Sun of the mining ship is less than 0.3 AU." << std::endl;
   kavren::end_run(1);
 }

@@ -1,7 +1,154 @@
 #include "readers/catalogue.h"
 
-// Placeholder until the catalogue reader lands.
+#include <charconv>
+#include <cstdio>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "readers/file_bytes.h"
+#include "readers/tokenizer.h"
+#include "records/termination.h"
+
 double** t_eles_asteroids = nullptr;
 
-void ReadAsteroidsData(const char*) {}
-void clear_info() {}
+namespace kavren {
+namespace {
+
+// One contiguous block of rows behind the row pointers, zeroed: a short or malformed
+// catalogue leaves the rows it never reaches at zero.
+double* g_rows = nullptr;
+
+void allocate_table() {
+  g_rows = new double[static_cast<std::size_t>(kNumAsteroids) * kCatalogueColumns]();
+  t_eles_asteroids = new double*[kNumAsteroids];
+  for (int n = 0; n < kNumAsteroids; ++n) {
+    t_eles_asteroids[n] = g_rows + static_cast<std::size_t>(n) * kCatalogueColumns;
+  }
+}
+
+// Stream extraction reads numbers separated by any white space. Plain tokens ("12",
+// "-3.5e2") are converted here with the same result the stream gives; at the first
+// token the stream might treat differently (trailing letters, overflow, signs without
+// digits, anything unusual) the rest of the text is handed to a real stream, so a
+// malformed catalogue is read exactly as stream extraction reads it.
+class CatalogueScanner {
+ public:
+  explicit CatalogueScanner(std::string_view text) : text_(text) {}
+
+  // Reads record n into row; false once the stream has failed.
+  bool read_record(double* row) {
+    if (fallback_) return read_record_from_stream(row);
+    const std::size_t record_start = pos_;
+    int id = 0;
+    bool plain = next_int(id);
+    for (int k = 0; plain && k < kCatalogueColumns; ++k) plain = next_double(row[k]);
+    if (plain) return true;
+    // Restart this record with the stream's own rules.
+    pos_ = record_start;
+    fallback_stream_.str(std::string(text_.substr(pos_)));
+    fallback_ = true;
+    return read_record_from_stream(row);
+  }
+
+ private:
+  std::string_view next_token() {
+    while (pos_ < text_.size() && is_line_space(text_[pos_])) ++pos_;
+    const std::size_t begin = pos_;
+    while (pos_ < text_.size() && !is_line_space(text_[pos_])) ++pos_;
+    return text_.substr(begin, pos_ - begin);
+  }
+
+  static bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+  // Sign, digits, optional point and digits, optional exponent with digits; nothing
+  // else in the token: exactly the text the stream would take as one number.
+  static bool plain_decimal(std::string_view t) {
+    std::size_t p = 0;
+    if (p < t.size() && (t[p] == '+' || t[p] == '-')) ++p;
+    std::size_t mantissa_digits = 0;
+    while (p < t.size() && is_digit(t[p])) ++p, ++mantissa_digits;
+    if (p < t.size() && t[p] == '.') {
+      ++p;
+      while (p < t.size() && is_digit(t[p])) ++p, ++mantissa_digits;
+    }
+    if (mantissa_digits == 0) return false;
+    if (p < t.size() && (t[p] == 'e' || t[p] == 'E')) {
+      ++p;
+      if (p < t.size() && (t[p] == '+' || t[p] == '-')) ++p;
+      std::size_t exponent_digits = 0;
+      while (p < t.size() && is_digit(t[p])) ++p, ++exponent_digits;
+      if (exponent_digits == 0) return false;
+    }
+    return p == t.size();
+  }
+
+  bool next_int(int& value) {
+    const std::string_view t = next_token();
+    std::size_t p = 0;
+    if (p < t.size() && (t[p] == '+' || t[p] == '-')) ++p;
+    if (p == t.size() || t.size() - p > 9) return false;
+    for (std::size_t q = p; q < t.size(); ++q) {
+      if (!is_digit(t[q])) return false;
+    }
+    return std::from_chars(t.data() + (t[0] == '+' ? 1 : 0), t.data() + t.size(), value).ec ==
+           std::errc();
+  }
+
+  bool next_double(double& value) {
+    const std::string_view t = next_token();
+    if (!plain_decimal(t)) return false;
+    double parsed = 0.0;
+    const auto result =
+        std::from_chars(t.data() + (t[0] == '+' ? 1 : 0), t.data() + t.size(), parsed);
+    // Out of range (overflow or underflow) is left to the stream.
+    if (result.ec != std::errc() || result.ptr != t.data() + t.size()) return false;
+    value = parsed;
+    return true;
+  }
+
+  bool read_record_from_stream(double* row) {
+    int id = 0;
+    fallback_stream_ >> id;
+    for (int k = 0; k < kCatalogueColumns; ++k) fallback_stream_ >> row[k];
+    return static_cast<bool>(fallback_stream_);
+  }
+
+  std::string_view text_;
+  std::size_t pos_ = 0;
+  bool fallback_ = false;
+  std::istringstream fallback_stream_;
+};
+
+}  // namespace
+}  // namespace kavren
+
+void ReadAsteroidsData(const char* file_name) {
+  std::string bytes;
+  if (!kavren::read_file_bytes(file_name, bytes)) {
+    std::cout << "ErrorA00: The file of Asteroid Data cannot be found." << std::endl;
+    kavren::end_run(1);
+  }
+  clear_info();
+  kavren::allocate_table();
+
+  // The header line is dropped whatever it holds; without a line break the whole file
+  // is the header and every row stays zero.
+  const std::size_t header_end = bytes.find('\n');
+  if (header_end == std::string::npos) return;
+  kavren::CatalogueScanner scanner(std::string_view(bytes).substr(header_end + 1));
+  for (int n = 0; n < kavren::kNumAsteroids; ++n) {
+    if (!scanner.read_record(t_eles_asteroids[n])) break;
+  }
+}
+
+void clear_info() {
+  // The rows live in one block behind the row pointers; the pointer is reset so that a
+  // released table is never read.
+  delete[] t_eles_asteroids;
+  delete[] kavren::g_rows;
+  t_eles_asteroids = nullptr;
+  kavren::g_rows = nullptr;
+}

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "readers/numbers.h"
 #include "records/records.h"
 
 // Copies `in` to `out` without leading and trailing white space; `out` must hold at
@@ -12,13 +14,32 @@
 void trim(char* in, char* out);
 // Tokens between runs of delimiter characters; a leading delimiter yields "ROOT".
 std::vector<std::string> split(const std::string& s, const std::string& delimiters);
-// Decodes a line of at least 10 tokens (ship, event ID, epoch, r, v, mass).
+// Decodes a line of at least 10 tokens (ship, event ID, epoch, r, v, mass). Tokens
+// missing from a shorter list read as empty text, that is as 0.
 void string_eventline2data(int line_index, std::vector<std::string> tokens, int& event_id,
                            double& epoch, StateStruct& state);
 
 namespace kavren {
-// The C library's atoi and atof, without undefined behaviour: an integer out of the
-// range of long saturates as strtol does and is then converted to int modulo 2^32.
-int parse_int(const char* text);
-double parse_double(const char* text);
+
+// White space as the C locale classifies it: blank, tab, newline, vertical tab, form
+// feed, carriage return. Bytes above 127 are not white space.
+bool is_line_space(char c);
+
+// The text of a line as trimming sees it: up to its first NUL byte, without leading
+// and trailing white space.
+std::string_view trimmed_line(std::string_view raw);
+
+// The tokens of a trimmed line: split on tabs, each piece split again on blanks, so a
+// tab followed by a blank yields the token "ROOT". Views into the line (or into a
+// static "ROOT"); `tokens` is cleared first and reused to avoid allocations.
+void tokenize_line(std::string_view line, std::vector<std::string_view>& tokens);
+
+// The same splitting rule as `split`, appending views to `tokens`.
+void split_views(std::string_view s, std::string_view delimiters,
+                 std::vector<std::string_view>& tokens);
+
+// Decodes tokens 2..10 of an event line (fewer tokens read as empty text).
+void decode_event_line(int line_index, const std::vector<std::string_view>& tokens,
+                       int& event_id, double& epoch, StateStruct& state);
+
 }  // namespace kavren

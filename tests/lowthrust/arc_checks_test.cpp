@@ -5,12 +5,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
-#include "capture.h"
+#include "support/capture.h"
 #include "kepler_reference.h"
 #include "lowthrust/arc_propagation.h"
+#include "lowthrust/arc_scheduler.h"
 #include "lowthrust/dynamics.h"
 
 namespace {
@@ -328,6 +331,85 @@ TEST(ArcPropagation, ShipsAreCheckedInOrderUntilTheFirstFailure) {
   EXPECT_EQ(o.status, 0);
   EXPECT_EQ(o.out, "ErrorA04. File Format Error on the line 41: The thrust magnitude of the "
                    "first line of the burning arc is not 0.\n");
+}
+
+// --- Arcs on worker threads ---------------------------------------------------------------
+
+// Sets the worker count for the scope of one check.
+class Workers {
+ public:
+  explicit Workers(int n) { setenv("KAVREN_THREADS", std::to_string(n).c_str(), 1); }
+  ~Workers() { unsetenv("KAVREN_THREADS"); }
+};
+
+// Ships of good arcs with failures planted at the given arc positions: a layout error
+// (status 0) at even positions, an end state 5000 km off (status 1) at odd ones.
+std::vector<ShipClass> fleet(int arcs, const std::vector<int>& failing) {
+  std::vector<ShipClass> ships(4);
+  for (int k = 0; k < arcs; ++k) {
+    BurningArc arc = k % 3 == 0 ? rocket_arc(T, T + 15) : kepler_coast();
+    for (int f : failing) {
+      if (f != k) continue;
+      if (k % 2 == 0) {
+        arc = arc_of(100 + k, {{T, 0.2}, {T, 0.3}, {T + 1, 0.3}, {T + 1, 0}});
+      } else {
+        arc.end_state.r[1] += 5000.0;
+        arc.end_state.line_index = 200 + k;
+      }
+    }
+    ships[static_cast<std::size_t>(k % 4)].burning_arcs.push_back(arc);
+  }
+  return ships;
+}
+
+// The per-ship form walks the arcs one after the other: the reference verdict.
+Outcome sequential(const std::vector<ShipClass>& ships) {
+  return capture([&] {
+    for (const ShipClass& ship : ships) CheckBuringArc(ship);
+  });
+}
+
+TEST(ArcWorkers, FirstFailureInFileOrderWhateverTheWorkerCount) {
+  const std::vector<std::vector<int>> plans = {
+      {}, {0}, {23}, {5, 2}, {22, 3}, {7, 8, 21}, {1, 2, 3, 4, 5}, {19, 11}};
+  for (const auto& plan : plans) {
+    const std::vector<ShipClass> ships = fleet(24, plan);
+    const Outcome expected = sequential(ships);
+    for (int workers : {1, 2, 4, 7}) {
+      Workers scope(workers);
+      const Outcome got = capture([&] { CheckBuringArc(ships); });
+      EXPECT_EQ(got.out, expected.out) << workers << " workers";
+      EXPECT_EQ(got.ended, expected.ended);
+      EXPECT_EQ(got.status, expected.status);
+    }
+  }
+}
+
+TEST(ArcWorkers, EveryArcIsIntegratedOnceAcrossWorkers) {
+  const std::vector<ShipClass> ships = fleet(16, {});
+  std::uint64_t one = 0;
+  {
+    Workers scope(1);
+    CheckBuringArc(ships);
+    one = kavren::last_arc_stage_evaluations();
+  }
+  Workers scope(3);
+  CheckBuringArc(ships);
+  EXPECT_GT(one, 0u);
+  EXPECT_EQ(kavren::last_arc_stage_evaluations(), one);
+}
+
+TEST(ArcWorkers, WorkerCountFromTheEnvironment) {
+  {
+    Workers scope(3);
+    EXPECT_EQ(kavren::arc_worker_count(), 3);
+  }
+  for (const char* text : {"0", "-2", "abc", "4x", ""}) {
+    setenv("KAVREN_THREADS", text, 1);
+    EXPECT_GE(kavren::arc_worker_count(), 1) << text;
+  }
+  unsetenv("KAVREN_THREADS");
+  EXPECT_GE(kavren::arc_worker_count(), 1);
 }
 
 }  // namespace

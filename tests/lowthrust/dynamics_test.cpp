@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "capture.h"
+#include "support/capture.h"
 #include "lowthrust/rkf78.h"
 
 namespace {

@@ -97,7 +97,8 @@ void build_pair(Builder& b, const PairPlan& plan) {
           {deploy_epoch(other, j) + k * T, 1, j, first_half ? plan.mass1 : plan.mass2});
     }
     plan_events.push_back({plan.t0 + (plan.k1 + 1) * T, 2, 0, 0.0});
-    plan_events.push_back({plan.t0 + (plan.k2 + 1) * T, 2, 0, 0.0});
+    // Both halves collected after the same number of periods share one drop.
+    if (plan.k2 != plan.k1) plan_events.push_back({plan.t0 + (plan.k2 + 1) * T, 2, 0, 0.0});
     std::sort(plan_events.begin(), plan_events.end(),
               [](const Encounter& x, const Encounter& y) { return x.epoch < y.epoch; });
     double previous = plan.t0;

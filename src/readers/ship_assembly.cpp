@@ -1,0 +1,145 @@
+#include "readers/ship_assembly.h"
+
+#include <cmath>
+#include <iostream>
+#include <iterator>
+#include <utility>
+
+#include "astro/ephemeris.h"
+#include "readers/tokenizer.h"
+
+namespace kavren {
+namespace {
+
+constexpr double kDropVinfLimit = 6.001;        // km/s; looser than the 6.0 of the message
+constexpr double kMassChangeTolerance = 0.001;  // kg
+
+std::string_view token(const std::vector<std::string_view>& tokens, std::size_t k) {
+  return k < tokens.size() ? tokens[k] : std::string_view();
+}
+
+}  // namespace
+
+ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship) : ordinal_(ordinal), ship_(ship) {
+  ship_.ship_id = ordinal;
+}
+
+bool ShipAssembler::add_line(int index, std::string_view text) {
+  tokenize_line(text, tokens_);
+  const int seen = lines_seen_++;
+  double epoch = 0.0;
+  if (seen < 2) {
+    StateStruct& state = seen == 0 ? ship_.launch.state_before : ship_.launch.state_after;
+    decode_event_line(index, tokens_, ship_.launch.body_id, epoch, state);
+    previous_ = ship_.launch.state_after;
+    return true;
+  }
+  if (tokens_.size() == 10) {
+    if (!first_pending_) {
+      decode_event_line(index, tokens_, first_id_, epoch, first_);
+      first_pending_ = true;
+      return true;
+    }
+    decode_event_line(index, tokens_, second_id_, epoch, second_);
+    first_pending_ = false;
+    return add_event_pair();
+  }
+  // A burning-arc line: epoch and thrust vector.
+  if (arc_first_line_ < 0) arc_first_line_ = index;
+  arc_last_line_ = index;
+  arc_values_.push_back(parse_double(token(tokens_, 2)));
+  arc_lines_.push_back({parse_double(token(tokens_, 3)), parse_double(token(tokens_, 4)),
+                        parse_double(token(tokens_, 5))});
+  return true;
+}
+
+void ShipAssembler::finish() { ship_.set_final_mass(previous_.mass); }
+
+bool ShipAssembler::add_event_pair() {
+  // The order within a pair: its epoch, its own record, then the arc lines before it.
+  if (first_.epoch <= previous_.epoch) {
+    std::cout << "Error005. Event Time Error on the line" << first_.line_index + 1
+              << ": The epoch of the launch, rendezvous, or flyby is earlier than the epoch "
+                 "of last launch, rendezvous, or flyby."
+              << std::endl;
+    return false;
+  }
+  if (!record_event(first_id_)) return false;
+  if (!close_arc()) return false;
+  previous_ = second_;
+  return true;
+}
+
+bool ShipAssembler::record_event(int event_id) {
+  const double mass_change = second_.mass - first_.mass;
+  if (event_id < 0) {
+    FlybyClass flyby;
+    flyby.body_id = event_id;
+    flyby.state_before = first_;
+    flyby.state_after = second_;
+    flyby.mass_change = mass_change;
+    ship_.flybys.push_back(flyby);
+    if (event_id == -3) return record_earth_drop(mass_change);
+    return true;
+  }
+  VisitClass visit;
+  visit.body_id = event_id;
+  visit.state_before = first_;
+  visit.state_after = second_;
+  visit.mass_change = mass_change;
+  ship_.visits.push_back(visit);
+  // Resources taken on join the current group; miners left behind add nothing.
+  if (mass_change > 0.0) group_.push_back(DmStructShip{second_.line_index, mass_change, first_.epoch});
+  return true;
+}
+
+// Resources are dropped at Earth flybys slow enough for it; a drop closes the current
+// group of collections, which it must balance.
+bool ShipAssembler::record_earth_drop(double mass_change) {
+  const double vinf = get_vinf(-3, first_);
+  if (vinf <= kDropVinfLimit) {
+    group_.push_back(DmStructShip{second_.line_index, mass_change, first_.epoch});
+    ship_.dm_groups.push_back(std::move(group_));
+    group_.clear();
+    return true;
+  }
+  if (std::fabs(mass_change) <= kMassChangeTolerance) return true;  // an ordinary flyby
+  std::cout << "Error806. Mining Data Error on the line" << first_.line_index + 1
+            << ": The hyperbolic excess velocity of the ship relative to the Earth should "
+               "not be larger than 6.0 km/s  at the moment of dropping resources."
+            << std::endl;
+  return false;
+}
+
+// The arc from the previous event's second line to this event's first line: no lines
+// (a pure coast) or at least four.
+bool ShipAssembler::close_arc() {
+  const int gap = first_.line_index - previous_.line_index;
+  if (gap >= 2 && gap <= 4) {
+    // This message prints the 0-based index of the line that opens the arc.
+    std::cout << "ErrorA03:  File Format Error on the line " << previous_.line_index
+              << ": The number of lines in this burning arc is unreasonable." << std::endl;
+    return false;
+  }
+  BurningArc arc;
+  arc.ship_number = ordinal_;
+  arc.start_epoch = previous_.epoch;
+  arc.end_epoch = first_.epoch;
+  arc.start_state = previous_;
+  arc.end_state = first_;
+  if (!arc_values_.empty()) {
+    arc.first_line = arc_first_line_;
+    arc.last_line = arc_last_line_;
+    arc.lines.assign(std::make_move_iterator(arc_lines_.begin()),
+                     std::make_move_iterator(arc_lines_.end()));
+    arc.values = arc_values_;
+  }
+  ship_.burning_arcs.push_back(std::move(arc));
+  arc_first_line_ = -1;
+  arc_last_line_ = -1;
+  arc_lines_.clear();
+  arc_values_.clear();
+  return true;
+}
+
+}  // namespace kavren

@@ -1,0 +1,52 @@
+// Builds one ShipClass from its lines, fed in file order after the whole file passed
+// the line and grouping checks.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "records/records.h"
+
+namespace kavren {
+
+class ShipAssembler {
+ public:
+  // Ship number `ordinal` (1-based), written into `ship`.
+  ShipAssembler(int ordinal, ShipClass& ship);
+
+  // One line of the ship, its trimmed text and 0-based file index. The first two are
+  // the launch pair; then event pairs with burning-arc lines between them. Prints the
+  // message of the first violation and returns false.
+  bool add_line(int index, std::string_view text);
+  // Sets the final mass: that of the ship's last event line. Arc lines after the last
+  // event pair close no arc and are ignored.
+  void finish();
+
+ private:
+  bool add_event_pair();
+  bool record_event(int event_id);
+  bool record_earth_drop(double mass_change);
+  bool close_arc();
+
+  int ordinal_;
+  ShipClass& ship_;
+  int lines_seen_ = 0;
+  std::vector<std::string_view> tokens_;
+
+  StateStruct previous_;       // second line of the previous event pair
+  bool first_pending_ = false;  // first line of a pair read, its second not yet
+  int first_id_ = 0;
+  int second_id_ = 0;
+  StateStruct first_;
+  StateStruct second_;
+
+  // Arc lines since the previous event pair, moved into an exactly sized arc when the
+  // next pair closes it.
+  int arc_first_line_ = -1;
+  int arc_last_line_ = -1;
+  std::vector<std::vector<double>> arc_lines_;
+  std::vector<double> arc_values_;
+  std::vector<DmStructShip> group_;  // collections since the last Earth drop
+};
+
+}  // namespace kavren
