@@ -4,42 +4,29 @@
 
 #include <array>
 #include <cstddef>
-#include <iostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "astro/ephemeris.h"
 #include "readers/catalogue.h"
 #include "records/records.h"
-#include "records/termination.h"
+#include "support/capture.h"
 
 namespace events_test {
 
 struct Outcome {
-  bool result = false;
-  std::string out;
-  bool ended = false;  // the check ended the run
-  int status = -1;
+  bool result = false;  // what the check returned
+  std::string out;      // everything it printed
+  bool ended = false;   // the check ended the run
+  int status = -1;      // the run's exit status when it did
 };
 
-// Runs check() with standard output captured; a check of this module never ends the run.
+// Runs check() with standard output captured.
 template <class Check>
 Outcome run(Check&& check) {
-  std::ostringstream buffer;
-  struct Redirect {
-    std::streambuf* saved;
-    ~Redirect() { std::cout.rdbuf(saved); }
-  } redirect{std::cout.rdbuf(buffer.rdbuf())};
-  Outcome outcome;
-  try {
-    outcome.result = check();
-  } catch (const kavren::Termination& end) {
-    outcome.ended = true;
-    outcome.status = end.status();
-  }
-  outcome.out = buffer.str();
-  return outcome;
+  bool result = false;
+  const kavren::test::Outcome captured = kavren::test::capture([&] { result = check(); });
+  return Outcome{result, captured.out, captured.ended, captured.status};
 }
 
 inline std::array<double, 6> body_state(int id, double epoch) {
