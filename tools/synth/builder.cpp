@@ -140,7 +140,46 @@ void Builder::earth_drop() {
 void Builder::flyby(int body, const double* vout) {
   StateStruct first = write_event(body, reached_.epoch, reached_.r, reached_.v, reached_.mass);
   check_at_body(body, first, 10.0);
-  last_ = write_event(body, reached_.epoch, first.r, vout, first.mass);
+  // At the Earth a pass slow enough to unload counts as an unloading, also of nothing.
+  const bool drop = body == -3 && get_vinf(-3, first) <= 6.001;
+  const double mass = drop ? first.mass - carried_ : first.mass;
+  last_ = write_event(body, reached_.epoch, first.r, vout, mass);
+  check_flyby_rule(body, first, last_);
+  if (drop) {
+    carried_ = 0.0;
+    last_drop_[ship_] = last_.epoch;
+  }
+}
+
+// The flyby rule as the events check applies it to the two written lines: one place, the
+// same excess speed before and after, and a turn no larger than a pass at the planet's
+// minimum radius allows.
+void Builder::check_flyby_rule(int body, const StateStruct& in, const StateStruct& out) const {
+  double dr = 0.0, dv = 0.0;
+  err_state_ship(body, out, dr, dv);
+  double planet[6] = {0, 0, 0, 0, 0, 0};
+  int flag = 0;
+  getrv_stats_asteroids(flag, planet, body, in.epoch);
+  double vin[3], vout[3];
+  for (int k = 0; k < 3; ++k) {
+    vin[k] = in.v[k] - planet[3 + k];
+    vout[k] = out.v[k] - planet[3 + k];
+  }
+  const double speed_in = std::sqrt(vin[0] * vin[0] + vin[1] * vin[1] + vin[2] * vin[2]);
+  const double speed_out = std::sqrt(vout[0] * vout[0] + vout[1] * vout[1] + vout[2] * vout[2]);
+  double angle = 0.0, max_angle = 0.0;
+  const bool turned = get_angle_2vinfs(body, vin, vout, angle, max_angle);
+  // Margins well inside the limits (500 km, 1e-4 km/s, 99% of the largest turn) keep the
+  // scenario valid if a check rounds differently in its last bits.
+  if (!(dr <= 500.0) || !(std::fabs(speed_in - speed_out) <= 1e-4) || !turned ||
+      !(angle <= 0.99 * max_angle)) {
+    char what[200];
+    std::snprintf(what, sizeof what,
+                  "ship %d: flyby of body %d at MJD %.6f breaks the rule: %.3f km, "
+                  "%.6f vs %.6f km/s, turn %.4f of %.4f rad",
+                  ship_, body, in.epoch, dr, speed_in, speed_out, angle, max_angle);
+    throw std::runtime_error(what);
+  }
 }
 
 std::string Builder::result_text() const {
@@ -187,6 +226,13 @@ std::string Builder::expected_stdout() const {
     double mass = 0.0;
     score >> id >> mass;
     total += mass;
+  }
+  // The ship count the delivered mass allows: twice exp(0.004 kg^-1 times the average
+  // per ship), truncated and capped at 100. A scenario beyond it would not be accepted.
+  if (ship_ > 0) {
+    const double allowed = 2.0 * std::exp(0.004 * total / ship_);
+    const int most = allowed >= 101.0 ? 100 : static_cast<int>(allowed);
+    if (most < ship_) throw std::runtime_error("too many ships for the resources delivered");
   }
   std::ostringstream out;
   out << "Check successfully!\n"

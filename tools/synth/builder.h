@@ -43,7 +43,9 @@ class Builder {
   // Earth flyby at the reached state, dropping everything collected since the last drop.
   void earth_drop();
   // Flyby of body (-2, -3, -4) at the reached state leaving with velocity vout
-  // (heliocentric); the mass stays.
+  // (heliocentric). The mass stays, except at an Earth pass slow enough to count as an
+  // unloading (at most 6.001 km/s), which drops everything collected since the last drop.
+  // Both lines are checked against the flyby rule; a breach throws.
   void flyby(int body, const double* vout);
 
   double reached_epoch() const { return reached_.epoch; }
@@ -59,6 +61,7 @@ class Builder {
   StateStruct write_event(int event_id, double epoch, const double* r, const double* v,
                           double mass);
   void check_at_body(int body, const StateStruct& s, double max_dv) const;
+  void check_flyby_rule(int body, const StateStruct& in, const StateStruct& out) const;
 
   Catalogue& catalogue_;
   std::vector<std::string> lines_;

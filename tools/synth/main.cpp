@@ -3,6 +3,7 @@
 //   kavren-synth demo <dir> [--seed N]
 //   kavren-synth suite <dir>
 //   kavren-synth bench <dir> [--ships N] [--seed N]
+//   kavren-synth selfcheck   (checks of its own numerics; status 1 on a failure)
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -16,6 +17,7 @@
 #include "synth/builder.h"
 #include "synth/catalogue.h"
 #include "synth/scenarios.h"
+#include "synth/selfcheck.h"
 
 namespace {
 
@@ -63,8 +65,12 @@ long option(int argc, char** argv, const std::string& name, long fallback) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2 && std::string(argv[1]) == "selfcheck") {
+    return synth::self_check(std::cout) ? 0 : 1;
+  }
   if (argc < 3) {
-    std::cerr << "usage: kavren-synth demo|suite|bench <dir> [--seed N] [--ships N]\n";
+    std::cerr << "usage: kavren-synth demo|suite|bench <dir> [--seed N] [--ships N]\n"
+              << "       kavren-synth selfcheck\n";
     return 2;
   }
   const std::string command = argv[1];

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <vector>
 
 #include "astro/ephemeris.h"
+#include "synth/lambert.h"
 #include "synth/rng.h"
+#include "synth/text.h"
 
 namespace synth {
 namespace {
@@ -71,7 +74,100 @@ struct PairPlan {
   int idle_lines = 4;      // thrust lines per idle phase, 0 for pure coasts
   int idle_per_arc = 2;
   double launch_mass = 2000.0;
+  // The last drop may also turn the excess velocity about the Earth's velocity by this
+  // angle (0: no turn): the ship keeps the Earth's period and meets it again each period,
+  // where `returns` more turning flybys follow.
+  double final_turn = 0.0;
+  int returns = 0;
 };
+
+double norm3(const double* v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); }
+
+void body_state(int id, double t, double* rv) {
+  int flag = 0;
+  getrv_stats_asteroids(flag, rv, id, t);
+  if (flag == 0) throw std::runtime_error("no ephemeris");
+}
+
+// v turned by `angle` about the unit vector k (right-handed).
+void rotate(const double* v, const double* k, double angle, double* out) {
+  const double c = std::cos(angle), s = std::sin(angle);
+  const double kxv[3] = {k[1] * v[2] - k[2] * v[1], k[2] * v[0] - k[0] * v[2],
+                         k[0] * v[1] - k[1] * v[0]};
+  const double kdv = k[0] * v[0] + k[1] * v[1] + k[2] * v[2];
+  for (int j = 0; j < 3; ++j) out[j] = v[j] * c + kxv[j] * s + k[j] * kdv * (1.0 - c);
+}
+
+// Heliocentric velocity leaving a flyby of `body` at the reached state: the incoming
+// excess velocity turned by `angle` about the planet's velocity. The excess speed stays,
+// and so does the heliocentric speed, since the planet's velocity is the turning axis.
+void turned_departure(const Builder& b, int body, double angle, double* vout) {
+  double planet[6];
+  body_state(body, b.reached_epoch(), planet);
+  const double* v = b.reached_rv() + 3;
+  const double vin[3] = {v[0] - planet[3], v[1] - planet[4], v[2] - planet[5]};
+  const double n = norm3(planet + 3);
+  const double axis[3] = {planet[3] / n, planet[4] / n, planet[5] / n};
+  double turned[3];
+  rotate(vin, axis, angle, turned);
+  for (int k = 0; k < 3; ++k) vout[k] = planet[3 + k] + turned[k];
+}
+
+// Departure from a flyby of `from` at the reached state towards body `to`: the coast arc
+// (two-body transfer) arriving between lo and hi days later whose departure excess speed
+// equals the arrival's and whose turn stays within `turn_share` of the largest the planet
+// allows. Returns the arrival epoch and writes the heliocentric departure velocity.
+double matched_leg(const Builder& b, int from, int to, double lo, double hi,
+                   double turn_share, double* vout) {
+  const double t = b.reached_epoch();
+  const double* ship = b.reached_rv();
+  double planet[6];
+  body_state(from, t, planet);
+  const double vin[3] = {ship[3] - planet[3], ship[4] - planet[4], ship[5] - planet[5]};
+  const double speed = norm3(vin);
+  double v1[3], v2[3];
+  // Excess-speed mismatch for an arrival `days` after the flyby (epochs as written).
+  auto mismatch = [&](double days, double& arrival) {
+    arrival = reparse(t + days);
+    double target[6];
+    body_state(to, arrival, target);
+    if (!lambert(ship, target, (arrival - t) * 86400.0, v1, v2)) {
+      throw std::runtime_error("no transfer arc");
+    }
+    const double out[3] = {v1[0] - planet[3], v1[1] - planet[4], v1[2] - planet[5]};
+    return norm3(out) - speed;
+  };
+  double arrival = 0.0;
+  double previous = mismatch(lo, arrival);
+  for (double days = lo + 1.0; days <= hi; days += 1.0) {
+    const double d = mismatch(days, arrival);
+    if ((d < 0.0) == (previous < 0.0)) {
+      previous = d;
+      continue;
+    }
+    double a = days - 1.0, c = days, da = previous;
+    previous = d;
+    for (int k = 0; k < 80; ++k) {
+      const double m = 0.5 * (a + c);
+      const double dm = mismatch(m, arrival);
+      if ((dm < 0.0) == (da < 0.0)) {
+        a = m;
+        da = dm;
+      } else {
+        c = m;
+      }
+    }
+    const double residual = mismatch(c, arrival);
+    const double out[3] = {v1[0] - planet[3], v1[1] - planet[4], v1[2] - planet[5]};
+    double angle = 0.0, max_angle = 0.0;
+    if (std::fabs(residual) <= 1e-6 && get_angle_2vinfs(from, vin, out, angle, max_angle) &&
+        angle <= turn_share * max_angle) {
+      for (int k = 0; k < 3; ++k) vout[k] = v1[k];
+      return arrival;
+    }
+  }
+  throw std::runtime_error("no matched transfer in the window");
+}
 
 void build_pair(Builder& b, const PairPlan& plan) {
   const double T = earth_period_days();
@@ -116,12 +212,59 @@ void build_pair(Builder& b, const PairPlan& plan) {
         int& id = asteroid_of[other][e.slot];
         if (id == 0) id = b.plant_here();
         b.collect(id, e.mass);
-      } else {
+      } else if (e.epoch < plan_events.back().epoch || plan.final_turn == 0.0) {
         b.earth_drop();
+      } else {
+        double vout[3];
+        turned_departure(b, -3, plan.final_turn, vout);
+        b.flyby(-3, vout);
       }
       previous = e.epoch;
     }
+    for (int k = 1; k <= plan.returns; ++k) {
+      const double epoch = previous + T;
+      std::vector<Phase> phases;
+      if (plan.idle_lines >= 2)
+        phases = idle_phases(previous, epoch, plan.idle_lines, plan.idle_per_arc);
+      b.arc_to(epoch, phases);
+      double vout[3];
+      turned_departure(b, -3, plan.final_turn, vout);
+      b.flyby(-3, vout);
+      previous = epoch;
+    }
   }
+}
+
+// A ship touring the three planets on coasts: Earth, Venus, Earth, Mars, then on to an
+// asteroid planted where it ends, leaving a miner there. Each flyby's departure arc is the
+// transfer whose excess speed matches the arrival's.
+void build_planet_tour(Builder& b, double t0, double to_venus) {
+  b.begin_ship();
+  double earth[6], venus[6];
+  body_state(-3, t0, earth);
+  body_state(-2, t0 + to_venus, venus);
+  double v1[3], v2[3];
+  if (!lambert(earth, venus, to_venus * 86400.0, v1, v2)) {
+    throw std::runtime_error("no launch arc");
+  }
+  const double vinf[3] = {v1[0] - earth[3], v1[1] - earth[4], v1[2] - earth[5]};
+  b.launch(t0, vinf, 1500.0);
+  double t = t0 + to_venus;
+  b.arc_to(t, idle_phases(t0, t, 4, 2));
+  double vout[3];
+  double next = matched_leg(b, -2, -3, 250.0, 350.0, 0.8, vout);
+  b.flyby(-2, vout);
+  b.arc_to(next, idle_phases(t, next, 5, 3));
+  t = next;
+  next = matched_leg(b, -3, -4, 150.0, 260.0, 0.8, vout);
+  b.flyby(-3, vout);
+  b.arc_to(next);  // a pure coast
+  t = next;
+  turned_departure(b, -4, 0.3, vout);
+  b.flyby(-4, vout);
+  next = t + 120.0;
+  b.arc_to(next, idle_phases(t, next, 4, 1));
+  b.deploy();
 }
 
 // A ship that really thrusts (up to 0.5 N) and then only leaves miners behind.
@@ -162,6 +305,8 @@ Scenario build_demo(Builder& b, std::uint64_t seed) {
   Rng rng(seed);
   PairPlan first;
   first.t0 = 64400.0 + std::floor(rng.uniform(0.0, 20.0));
+  first.final_turn = 30.0 * kDeg;
+  first.returns = 1;
   build_pair(b, first);
   PairPlan second;
   second.t0 = first.t0 + 20.5;
@@ -170,10 +315,11 @@ Scenario build_demo(Builder& b, std::uint64_t seed) {
   second.idle_lines = 0;  // pure coasts between this pair's events
   build_pair(b, second);
   build_thruster(b, 64600.0, rng);
-  return {"demo", "two resonant mining pairs and one thrusting ship"};
+  return {"demo", "two resonant mining pairs (one turning at its last Earth drops and "
+                 "flying by the Earth again) and one thrusting ship"};
 }
 
-int suite_size() { return 4; }
+int suite_size() { return 5; }
 
 Scenario build_suite_case(Builder& b, int index) {
   Rng rng(1000 + index);
@@ -203,6 +349,23 @@ Scenario build_suite_case(Builder& b, int index) {
       build_thruster(b, 64900.0, rng);
       return {"long-collections", "collections after two and five periods, and a thruster"};
     }
+    case 4: {
+      PairPlan plan;
+      plan.t0 = 64500.0;
+      plan.deploys = 20;
+      plan.spacing = 14.0;
+      plan.k1 = 4;
+      plan.k2 = 5;
+      plan.mass1 = 39.9;
+      plan.mass2 = 49.9;
+      plan.final_turn = -25.0 * kDeg;
+      plan.returns = 2;
+      build_pair(b, plan);
+      build_planet_tour(b, 64700.0, 156.0);
+      return {"flybys", "a pair turning at its last drops and flying by the Earth twice "
+                        "more, and a ship touring Venus, the Earth and Mars"};
+    }
+    case 3:
     default: {
       for (int pair = 0; pair < 3; ++pair) {
         PairPlan plan;

@@ -13,7 +13,8 @@ struct Scenario {
   std::string description;
 };
 
-// Resonant mining pairs plus a thrusting deploy-only ship.
+// Resonant mining pairs (the first turning at its last Earth drops and meeting the Earth
+// once more) plus a thrusting deploy-only ship.
 Scenario build_demo(Builder& builder, std::uint64_t seed);
 // Variants for the end-to-end suite, index 0 .. suite_size() - 1.
 int suite_size();
