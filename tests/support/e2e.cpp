@@ -36,6 +36,11 @@ void TempDir::write(const std::string& name, const std::string& bytes) const {
 }
 
 std::optional<std::string> TempDir::read(const std::string& name) const {
+  // Only a regular file counts as written: a directory in its place is no score file.
+  struct stat info {};
+  if (stat((path_ + "/" + name).c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+    return std::nullopt;
+  }
   std::ifstream in(path_ + "/" + name, std::ios::binary);
   if (!in) return std::nullopt;
   std::ostringstream bytes;
@@ -103,8 +108,9 @@ RunResult run_in(const std::string& dir, const std::string& binary,
   err_bytes << err.rdbuf();
   result.err = err_bytes.str();
   fs::remove(err_path);
+  struct stat info {};
   std::ifstream score(dir + "/ScoreData.txt", std::ios::binary);
-  if (score) {
+  if (stat((dir + "/ScoreData.txt").c_str(), &info) == 0 && S_ISREG(info.st_mode) && score) {
     std::ostringstream bytes;
     bytes << score.rdbuf();
     result.score = bytes.str();

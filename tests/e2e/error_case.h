@@ -1,0 +1,66 @@
+// Error cases of the whole program: each starts from the valid demo scenario, changes
+// it in one targeted way and states the complete expected outcome (stdout bytes, exit
+// status, score file). Cases are listed by family in separate files; every case runs as
+// its own test, and the coverage test checks that together they reach every message.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace kavren::test {
+
+// The score-file message shares its code with the catalogue's.
+constexpr const char* kScoreFileError = "ErrorA00. File Open Error: Cannot find this file";
+
+// The files of one run, as the case leaves them.
+struct Scenario {
+  std::vector<std::string> lines;  // Result.txt, one entry per line, without '\n'
+  std::string catalogue;           // KAVREN_Asteroids_Data.txt
+  std::vector<std::string> args;   // command-line arguments of kavren-check
+  bool write_result = true;        // false: no Result.txt in the folder
+  bool write_catalogue = true;     // false: no catalogue in the folder
+  std::string result_suffix;       // bytes appended after the joined lines
+  // Runs in the folder after the files are written (e.g. to make a path a directory).
+  std::function<void(const std::string& folder)> prepare;
+
+  std::string result_text() const;  // lines joined with '\n', each ended by one
+};
+
+struct Expectation {
+  std::string out;                  // the whole stdout
+  int status = 0;
+  std::optional<std::string> score;  // nullopt: no ScoreData.txt may be left
+};
+
+struct ErrorCase {
+  std::string name;  // test name: letters, digits and underscores
+  std::string code;  // the message reached, as the prefix that tells it from every
+                     // other: "Error201", "ErrorA03:" (reader) or "ErrorA03." (thrust
+                     // table), "ErrorA00:" (catalogue) or kScoreFileError
+  std::function<Expectation(Scenario&)> make;  // edits the demo, returns the outcome
+};
+
+// Cases print as their names in test reports.
+inline void PrintTo(const ErrorCase& c, std::ostream* os) { *os << c.name; }
+
+// The demo scenario as kavren-synth writes it, synthesised once per test process.
+const Scenario& demo_scenario();
+
+// Tokens of a solution line (split on tabs and blanks).
+std::vector<std::string> tokens_of(const std::string& line);
+// The line with token k (0-based) replaced; the other tokens joined by tabs.
+std::string with_token(const std::string& line, int k, const std::string& value);
+// A number as the solution files write it (round-trip precision).
+std::string number(double x);
+// Index of the first line (0-based) from `from` on whose event ID (token 2) is `id`
+// and whose token count is `count`; throws when there is none.
+int find_line(const std::vector<std::string>& lines, int id, int count = 10, int from = 0);
+
+// The case lists, one per family of messages.
+std::vector<ErrorCase> input_error_cases();     // Error000, ErrorA.., Error001-005
+std::vector<ErrorCase> physics_error_cases();   // Error1xx-9xx, score file
+
+}  // namespace kavren::test

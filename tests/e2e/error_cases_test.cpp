@@ -1,0 +1,69 @@
+// Every error message of the program, reached from the valid demo by one targeted
+// change, with the whole stdout, the exit status and the score file asserted.
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "e2e/error_case.h"
+#include "support/e2e.h"
+
+namespace kavren::test {
+namespace {
+
+std::vector<ErrorCase> all_cases() {
+  std::vector<ErrorCase> cases = input_error_cases();
+  for (ErrorCase& c : physics_error_cases()) cases.push_back(std::move(c));
+  return cases;
+}
+
+class ErrorCases : public ::testing::TestWithParam<ErrorCase> {};
+
+TEST_P(ErrorCases, WholeOutcome) {
+  const ErrorCase& c = GetParam();
+  Scenario scenario = demo_scenario();
+  const Expectation expected = c.make(scenario);
+  ASSERT_EQ(expected.out.compare(0, c.code.size(), c.code), 0)
+      << "case " << c.name << " expects a message other than " << c.code;
+
+  TempDir dir;
+  if (scenario.write_catalogue) dir.write("KAVREN_Asteroids_Data.txt", scenario.catalogue);
+  if (scenario.write_result) dir.write("Result.txt", scenario.result_text());
+  if (scenario.prepare) scenario.prepare(dir.path());
+  const RunResult run = run_in(dir.path(), checker_binary(), scenario.args);
+  EXPECT_EQ(run.out, expected.out);
+  EXPECT_EQ(run.status, expected.status);
+  EXPECT_EQ(run.score, expected.score);
+}
+
+INSTANTIATE_TEST_SUITE_P(Messages, ErrorCases, ::testing::ValuesIn(all_cases()),
+                         [](const ::testing::TestParamInfo<ErrorCase>& info) {
+                           return info.param.name;
+                         });
+
+// The messages the program can print; the cases above must reach each of them.
+TEST(ErrorCoverage, EveryMessageIsReached) {
+  std::set<std::string> required = {"Error000", "ErrorA00:", "ErrorA01", "ErrorA02",
+                                    "ErrorA03:", "ErrorA03.", "Error001", "Error002",
+                                    "Error003", "Error004", "Error005", "Error101",
+                                    "Error201", "Error202", "Error203", "Error301",
+                                    "Error401", "Error901", kScoreFileError};
+  for (int k = 4; k <= 23; ++k) {
+    required.insert(std::string("ErrorA") + (k < 10 ? "0" : "") + std::to_string(k));
+  }
+  for (int family : {5, 6, 7, 8}) {
+    const int last = family == 5 ? 7 : family == 6 ? 7 : family == 7 ? 5 : 7;
+    for (int k = 1; k <= last; ++k) {
+      required.insert("Error" + std::to_string(family * 100 + k));
+    }
+  }
+  std::set<std::string> reached;
+  for (const ErrorCase& c : all_cases()) reached.insert(c.code);
+  std::string missing;
+  for (const std::string& code : required) {
+    if (reached.count(code) == 0) missing += " " + code;
+  }
+  EXPECT_TRUE(missing.empty()) << "messages no case reaches:" << missing;
+}
+
+}  // namespace
+}  // namespace kavren::test
