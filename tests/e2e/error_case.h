@@ -60,7 +60,9 @@ std::string number(double x);
 int find_line(const std::vector<std::string>& lines, int id, int count = 10, int from = 0);
 
 // The case lists, one per family of messages.
-std::vector<ErrorCase> input_error_cases();     // Error000, ErrorA.., Error001-005
-std::vector<ErrorCase> physics_error_cases();   // Error1xx-9xx, score file
+std::vector<ErrorCase> input_error_cases();     // Error000, ErrorA00-A02, A03:, A09-A23,
+                                                // Error001, Error002, Error005
+std::vector<ErrorCase> event_error_cases();     // Error5xx-7xx: launch, flyby, rendezvous
+std::vector<ErrorCase> physics_error_cases();   // arcs, mining, ship count, score file
 
 }  // namespace kavren::test

@@ -12,6 +12,7 @@ namespace {
 
 std::vector<ErrorCase> all_cases() {
   std::vector<ErrorCase> cases = input_error_cases();
+  for (ErrorCase& c : event_error_cases()) cases.push_back(std::move(c));
   for (ErrorCase& c : physics_error_cases()) cases.push_back(std::move(c));
   return cases;
 }
