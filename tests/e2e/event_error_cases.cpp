@@ -464,6 +464,51 @@ void add_limit_cases(std::vector<ErrorCase>& cases) {
                    }});
 }
 
+// Two faults in one ship: the order of the checks decides which is reported.
+void add_order_cases(std::vector<ErrorCase>& cases) {
+  // The Earth distances of both lines are tested before the velocity of the first.
+  cases.push_back({"Error506_SecondPositionBeforeFirstVelocity", "Error506", [](Scenario& s) {
+                     const int i = pair_line(s, kLaunch);
+                     shift(s, i, kVx, 0.01);
+                     shift(s, i, kX, 300.0);
+                     shift(s, i + 1, kX, 1200.0);
+                     return launch_failure(
+                         "Error506", i + 1,
+                         ": The position error with the Earth exceeds the allowable range.");
+                   }});
+  // A reversed pass that also speeds up: the speed test comes before the turn test.
+  cases.push_back({"Error607_ReversedAndFaster", "Error607", [](Scenario& s) {
+                     const int i = pair_line(s, kEarth);
+                     const FlybyGeometry g = geometry(s, i);
+                     const double scale = -(g.speed + 0.5) / g.speed;
+                     const double vout[3] = {g.vin[0] * scale, g.vin[1] * scale,
+                                             g.vin[2] * scale};
+                     depart_with(s, i, g, vout);
+                     return flyby_failure("Error607", i,
+                                          ": The magnitudes of the hyperbolic excess velocity "
+                                          "before and after the flyby are different.");
+                   }});
+  // Every flyby of a ship is checked before its rendezvous, even one later in the file.
+  cases.push_back({"Error601_FlybyBeforeEarlierVisit", "Error601", [](Scenario& s) {
+                     const int visit = pair_line(s, 975);
+                     shift(s, visit + 1, kEpoch, 0.001);
+                     const int flyby = pair_line(s, kEarth);
+                     shift(s, flyby + 1, kEpoch, 0.001);
+                     return flyby_failure("Error601", flyby + 1, kTimeDiffers);
+                   }});
+  // The asteroid distances of both lines are tested before the velocity of the first.
+  cases.push_back({"Error704_SecondPositionBeforeFirstVelocity", "Error704", [](Scenario& s) {
+                     const int i = pair_line(s, 976);
+                     shift(s, i, kVx + 1, 0.002);
+                     shift(s, i + 1, kVx + 1, 0.002);
+                     shift(s, i, kX + 2, 300.0);
+                     shift(s, i + 1, kX + 2, 1200.0);
+                     return visit_failure(
+                         "Error704", i + 1,
+                         ": The position error with the asteroid exceeds the allowable range.");
+                   }});
+}
+
 }  // namespace
 
 std::vector<ErrorCase> event_error_cases() {
@@ -472,6 +517,7 @@ std::vector<ErrorCase> event_error_cases() {
   add_flyby_cases(cases);
   add_visit_cases(cases);
   add_limit_cases(cases);
+  add_order_cases(cases);
   return cases;
 }
 
