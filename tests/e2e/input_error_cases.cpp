@@ -7,8 +7,6 @@
 // Earth flyby at 323-324); ship 2 is lines 325-648 with the same pattern; ships 3 and 4
 // (649-694, 695-740) have no arc lines at all (coasts between adjacent events); ship 5
 // (741-817) thrusts. Line indices below are found from the event IDs where it helps.
-#include "e2e/error_case.h"
-
 #include <sys/stat.h>
 
 #include <cstdlib>
@@ -17,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "e2e/error_case.h"
 #include "support/e2e.h"
 
 namespace kavren::test {
@@ -33,7 +32,9 @@ std::string numbered(const std::string& head, int index, const std::string& tail
   return head + std::to_string(index + 1) + tail;
 }
 
-Expectation failed(const std::string& out) { return Expectation{out, 0, std::nullopt}; }
+Expectation failed(const std::string& out) {
+  return Expectation{out, 0, std::nullopt};
+}
 
 std::string a10(int index) {
   return numbered("ErrorA10. File Format Error on the line", index,
@@ -303,14 +304,13 @@ void add_structure_cases(std::vector<ErrorCase>& cases) {
                        s.lines[start + k] = with_token(s.lines[start + k], 1, asteroid);
                        s.lines[start + 2 + k] = with_token(s.lines[start + 2 + k], 1, "0");
                      }
-                     return failed(numbered("ErrorA14. File Format Error on the line",
-                                            start + 2, ": The event ID of the launch is wrong.\n"));
+                     return failed(numbered("ErrorA14. File Format Error on the line", start + 2,
+                                            ": The event ID of the launch is wrong.\n"));
                    }});
   cases.push_back({"ErrorA15_ArcLineBetweenLaunchLines", "ErrorA15", [](Scenario& s) {
                      const int start = first_line_of_ship(s.lines, 5);
                      std::swap(s.lines[start + 1], s.lines[start + 2]);
-                     return failed(numbered("ErrorA15. File Format Error on the line",
-                                            start + 2,
+                     return failed(numbered("ErrorA15. File Format Error on the line", start + 2,
                                             ": The event IDs of one launch do not appear in two "
                                             "adjacent lines.\n"));
                    }});
@@ -321,21 +321,21 @@ void add_structure_cases(std::vector<ErrorCase>& cases) {
     const char* odd_code;
     const char* apart_code;
   };
-  for (const Planet& p : {Planet{-2, "Venus", "ErrorA16", "ErrorA17"},
-                          Planet{-3, "Earth", "ErrorA18", "ErrorA19"},
-                          Planet{-4, "Mars", "ErrorA20", "ErrorA21"}}) {
+  for (const Planet& p :
+       {Planet{-2, "Venus", "ErrorA16", "ErrorA17"}, Planet{-3, "Earth", "ErrorA18", "ErrorA19"},
+        Planet{-4, "Mars", "ErrorA20", "ErrorA21"}}) {
     const std::string odd = std::string(p.odd_code) +
                             ". File Format Error: The number of the event IDs of the " + p.name +
                             " flybys is odd.\n";
-    cases.push_back({std::string(p.odd_code) + "_One" + p.name + "Line", p.odd_code,
-                     [p, odd](Scenario& s) {
-                       event_line_at(s.lines, 2, p.id);
-                       return failed(odd);
-                     }});
-    const std::string apart = numbered(std::string(p.apart_code) +
-                                           ". File Format Error on the line",
-                                       4, std::string(": The event IDs of one ") + p.name +
-                                              " flyby do not appear in two adjacent lines.\n");
+    cases.push_back(
+        {std::string(p.odd_code) + "_One" + p.name + "Line", p.odd_code, [p, odd](Scenario& s) {
+           event_line_at(s.lines, 2, p.id);
+           return failed(odd);
+         }});
+    const std::string apart =
+        numbered(std::string(p.apart_code) + ". File Format Error on the line", 4,
+                 std::string(": The event IDs of one ") + p.name +
+                     " flyby do not appear in two adjacent lines.\n");
     cases.push_back({std::string(p.apart_code) + "_" + p.name + "LinesOneApart", p.apart_code,
                      [p, apart](Scenario& s) {
                        event_line_at(s.lines, 2, p.id);
@@ -355,14 +355,14 @@ void add_structure_cases(std::vector<ErrorCase>& cases) {
   cases.push_back({"ErrorA23_TwoAsteroidsInOnePair", "ErrorA23", [a23_tail](Scenario& s) {
                      const int i = event_lines(s.lines, 975).at(1);
                      s.lines[i] = with_token(s.lines[i], 1, "976");
-                     return failed(numbered("ErrorA23. File Format Error on the line", i,
-                                            a23_tail));
+                     return failed(
+                         numbered("ErrorA23. File Format Error on the line", i, a23_tail));
                    }});
   cases.push_back({"ErrorA23_RendezvousLinesOneApart", "ErrorA23", [a23_tail](Scenario& s) {
                      event_line_at(s.lines, 2, 975);
                      event_line_at(s.lines, 4, 975);
-                     return failed(numbered("ErrorA23. File Format Error on the line", 4,
-                                            a23_tail));
+                     return failed(
+                         numbered("ErrorA23. File Format Error on the line", 4, a23_tail));
                    }});
 }
 
@@ -417,8 +417,8 @@ void add_assembly_cases(std::vector<ErrorCase>& cases) {
                      // Ship 1's last event: an Earth flyby without a mass change.
                      const int i = event_lines(s.lines, -3).at(4);
                      s.lines[i] = faster(s.lines[i], 100.0);
-                     s.lines[i + 1] =
-                         with_token(s.lines[i + 1], 9, number(token_value(s.lines[i + 1], 9) - 1.0));
+                     s.lines[i + 1] = with_token(s.lines[i + 1], 9,
+                                                 number(token_value(s.lines[i + 1], 9) - 1.0));
                      return failed(e806(i));
                    }});
   cases.push_back({"Error806_ComesBeforeTheShortArc", "Error806", [](Scenario& s) {
@@ -440,6 +440,36 @@ void add_accepted_cases(std::vector<ErrorCase>& cases) {
   cases.push_back({"Accepted_NoLineBreakAfterLastLine", accepted, [](Scenario& s) {
                      s.result_suffix = s.lines.back();
                      s.lines.pop_back();
+                     return demo_outcome();
+                   }});
+  cases.push_back({"Accepted_BlankBeforeEveryTab", accepted, [](Scenario& s) {
+                     // A blank before a tab only ends a piece; unlike a blank after a tab it
+                     // adds no token. Padding around a line is trimmed away.
+                     for (std::string& line : s.lines) {
+                       std::string padded = " \t ";
+                       for (char c : line)
+                         padded += c == '\t' ? std::string(" \t") : std::string(1, c);
+                       line = padded + "  \t";
+                     }
+                     return demo_outcome();
+                   }});
+  cases.push_back({"Accepted_BlanksInsteadOfTabs", accepted, [](Scenario& s) {
+                     for (std::string& line : s.lines) {
+                       std::string spaced;
+                       for (char c : line)
+                         spaced += c == '\t' ? std::string("   ") : std::string(1, c);
+                       line = spaced;
+                     }
+                     return demo_outcome();
+                   }});
+  cases.push_back({"Accepted_ShipIdsReusedAndSkipped", accepted, [](Scenario& s) {
+                     // A ship is a run of lines with one ID: ship 3 may reuse ship 1's ID,
+                     // and IDs need not follow one another.
+                     for (std::string& line : s.lines) {
+                       const std::string id = tokens_of(line)[0];
+                       if (id == "3") line = with_token(line, 0, "1");
+                       if (id == "5") line = with_token(line, 0, "99");
+                     }
                      return demo_outcome();
                    }});
   cases.push_back({"Accepted_ArcLinesAfterLastEventIgnored", accepted, [](Scenario& s) {
@@ -475,8 +505,8 @@ std::vector<ErrorCase> input_error_cases() {
                    }});
   cases.push_back({"ErrorA00_NoCatalogue", "ErrorA00:", [](Scenario& s) {
                      s.write_catalogue = false;
-                     return Expectation{"ErrorA00: The file of Asteroid Data cannot be found.\n",
-                                        1, std::nullopt};
+                     return Expectation{"ErrorA00: The file of Asteroid Data cannot be found.\n", 1,
+                                        std::nullopt};
                    }});
   add_file_cases(cases);
   add_line_cases(cases);
