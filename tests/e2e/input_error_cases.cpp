@@ -421,6 +421,24 @@ void add_assembly_cases(std::vector<ErrorCase>& cases) {
                                                  number(token_value(s.lines[i + 1], 9) - 1.0));
                      return failed(e806(i));
                    }});
+  cases.push_back({"Error806_NanVelocityAtEarthDrop", "Error806", [](Scenario& s) {
+                     // No excess speed can be told, and the ship drops resources: refused.
+                     const int i = event_lines(s.lines, -3).at(0);
+                     s.lines[i] = with_token(s.lines[i], 6, "nan");
+                     return failed(e806(i));
+                   }});
+  cases.push_back(
+      {"Error607_FastEarthFlybyWithinMassTolerance", "Error607", [](Scenario& s) {
+         // Half a gram is no drop: the reader takes the pair as an ordinary flyby,
+         // and the flyby check then finds the two excess speeds apart.
+         const int i = event_lines(s.lines, -3).at(4);
+         s.lines[i] = faster(s.lines[i], 100.0);
+         s.lines[i + 1] =
+             with_token(s.lines[i + 1], 9, number(token_value(s.lines[i + 1], 9) - 0.0005));
+         return failed(numbered("Error607. Data Error of the event of flyby on the line", i,
+                                ": The magnitudes of the hyperbolic excess velocity "
+                                "before and after the flyby are different.\n"));
+       }});
   cases.push_back({"Error806_ComesBeforeTheShortArc", "Error806", [](Scenario& s) {
                      const int i = event_lines(s.lines, -3).at(0);
                      s.lines[i] = faster(s.lines[i], 100.0);
