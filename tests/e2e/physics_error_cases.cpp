@@ -17,17 +17,22 @@ namespace {
 
 // --- Line editing (n is the 1-based file line) -------------------------------------
 
-std::string& line_at(Scenario& s, int n) { return s.lines.at(static_cast<std::size_t>(n - 1)); }
+std::string& line_at(Scenario& s, int n) {
+  return s.lines.at(static_cast<std::size_t>(n - 1));
+}
 
 double value_at(const Scenario& s, int n, int k) {
-  return std::stod(tokens_of(s.lines.at(static_cast<std::size_t>(n - 1))).at(static_cast<std::size_t>(k)));
+  return std::stod(
+      tokens_of(s.lines.at(static_cast<std::size_t>(n - 1))).at(static_cast<std::size_t>(k)));
 }
 
 void set_token(Scenario& s, int n, int k, const std::string& value) {
   line_at(s, n) = with_token(line_at(s, n), k, value);
 }
 
-void set_epoch(Scenario& s, int n, double epoch) { set_token(s, n, 2, number(epoch)); }
+void set_epoch(Scenario& s, int n, double epoch) {
+  set_token(s, n, 2, number(epoch));
+}
 
 void set_thrust(Scenario& s, int n, double ux, double uy, double uz) {
   set_token(s, n, 3, number(ux));
@@ -36,7 +41,9 @@ void set_thrust(Scenario& s, int n, double ux, double uy, double uz) {
 }
 
 // Event lines: mass is token 9, velocity tokens 6..8.
-void set_mass(Scenario& s, int n, double mass) { set_token(s, n, 9, number(mass)); }
+void set_mass(Scenario& s, int n, double mass) {
+  set_token(s, n, 9, number(mass));
+}
 
 // 1-based line of the first line of the event pair with this event ID, from `from_line` on.
 int event_line(const Scenario& s, int id, int from_line = 1) {
@@ -64,7 +71,9 @@ void require_idle_arc(const Scenario& s) {
 
 // --- Messages ---------------------------------------------------------------------
 
-std::string n(int line) { return std::to_string(line); }
+std::string n(int line) {
+  return std::to_string(line);
+}
 
 std::string a_file_format(const char* code, int line, const char* what) {
   return std::string(code) + ". File Format Error on the line " + n(line) + ": " + what + "\n";
@@ -88,8 +97,8 @@ std::string interval(const char* code, int line, const char* what) {
          n(line + 1) + ": The time interval is " + what + "\n";
 }
 std::string too_much_thrust(int line, const std::string& magnitude) {
-  return "Error401. Thrust Magnitude Error on the line " + n(line) +
-         ": The thrust magnitude is " + magnitude + " N, greater than the maximum 0.6N.\n";
+  return "Error401. Thrust Magnitude Error on the line " + n(line) + ": The thrust magnitude is " +
+         magnitude + " N, greater than the maximum 0.6N.\n";
 }
 std::string phase_too_early(int line, const std::string& epoch) {
   return "Error003. Event Time Error on the line " + n(line) +
@@ -125,7 +134,9 @@ constexpr const char* kNotAMiner =
     "rendezvous to the asteroid (exceeding the allowable error).";
 constexpr const char* kThirdVisit = "The asteroid is rendezvous more than twice.";
 
-Expectation exits(std::string out, int status) { return Expectation{std::move(out), status, std::nullopt}; }
+Expectation exits(std::string out, int status) {
+  return Expectation{std::move(out), status, std::nullopt};
+}
 
 // --- Case families ----------------------------------------------------------------
 
@@ -258,50 +269,48 @@ void arc_state_cases(std::vector<ErrorCase>& cases) {
                      s.lines.push_back(drop);
                      return exits(sun_too_close(823, 824), 1);
                    }});
-  cases.push_back({"Error201_AsteroidAndShipMovedAlongTrack", "Error201", [](Scenario& s) {
-                     // Asteroid 1017, met once by ship 5 at the end of its last arc, is
-                     // moved 1500 km along its track (its mean anomaly advanced by the
-                     // time it needs for 1500 km) and both rendezvous lines with it. The
-                     // rendezvous still matches the asteroid (the track bends by ~0.01 km
-                     // and the velocity turns by ~2e-4 km/s over that stretch), but the
-                     // arc arrives 1500 km short.
-                     const int meet = event_line(s, 1017);
-                     require(meet == 816, "ship 5's last rendezvous");
-                     double v[3], r[3];
-                     for (int j = 0; j < 3; ++j) {
-                       r[j] = value_at(s, meet, 3 + j);
-                       v[j] = value_at(s, meet, 6 + j);
-                     }
-                     const double speed = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-                     const double dt = 1500.0 / speed;  // seconds
-                     for (int l = meet; l <= meet + 1; ++l) {
-                       for (int j = 0; j < 3; ++j) set_token(s, l, 3 + j, number(r[j] + v[j] * dt));
-                     }
-                     // Catalogue row of asteroid 1017: line 1018 of the file (after the
-                     // header); columns ID, epoch, a [AU], e, i, node, periapsis, M0 [deg].
-                     std::vector<std::string> rows;
-                     std::size_t begin = 0;
-                     while (begin < s.catalogue.size()) {
-                       std::size_t end = s.catalogue.find('\n', begin);
-                       if (end == std::string::npos) end = s.catalogue.size();
-                       rows.push_back(s.catalogue.substr(begin, end - begin));
-                       begin = end + 1;
-                     }
-                     std::string& row = rows.at(1017);
-                     std::vector<std::string> cols = tokens_of(row);
-                     require(cols.size() == 8 && cols[0] == "1017", "catalogue row 1017");
-                     const double a = std::stod(cols[2]) * 149597870.691;
-                     const double mean_motion = std::sqrt(132712440018.0 / (a * a * a));
-                     cols[7] = number(std::stod(cols[7]) +
-                                      mean_motion * dt / 0.017453292519943295);
-                     row.clear();
-                     for (std::size_t j = 0; j < cols.size(); ++j) row += (j ? "\t" : "") + cols[j];
-                     s.catalogue.clear();
-                     for (const std::string& text : rows) s.catalogue += text + "\n";
-                     return exits(mismatch("Error201", "Position", meet, "position", "1500 km",
-                                           "1000 km"),
-                                  1);
-                   }});
+  cases.push_back(
+      {"Error201_AsteroidAndShipMovedAlongTrack", "Error201", [](Scenario& s) {
+         // Asteroid 1017, met once by ship 5 at the end of its last arc, is
+         // moved 1500 km along its track (its mean anomaly advanced by the
+         // time it needs for 1500 km) and both rendezvous lines with it. The
+         // rendezvous still matches the asteroid (the track bends by ~0.01 km
+         // and the velocity turns by ~2e-4 km/s over that stretch), but the
+         // arc arrives 1500 km short.
+         const int meet = event_line(s, 1017);
+         require(meet == 816, "ship 5's last rendezvous");
+         double v[3], r[3];
+         for (int j = 0; j < 3; ++j) {
+           r[j] = value_at(s, meet, 3 + j);
+           v[j] = value_at(s, meet, 6 + j);
+         }
+         const double speed = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+         const double dt = 1500.0 / speed;  // seconds
+         for (int l = meet; l <= meet + 1; ++l) {
+           for (int j = 0; j < 3; ++j) set_token(s, l, 3 + j, number(r[j] + v[j] * dt));
+         }
+         // Catalogue row of asteroid 1017: line 1018 of the file (after the
+         // header); columns ID, epoch, a [AU], e, i, node, periapsis, M0 [deg].
+         std::vector<std::string> rows;
+         std::size_t begin = 0;
+         while (begin < s.catalogue.size()) {
+           std::size_t end = s.catalogue.find('\n', begin);
+           if (end == std::string::npos) end = s.catalogue.size();
+           rows.push_back(s.catalogue.substr(begin, end - begin));
+           begin = end + 1;
+         }
+         std::string& row = rows.at(1017);
+         std::vector<std::string> cols = tokens_of(row);
+         require(cols.size() == 8 && cols[0] == "1017", "catalogue row 1017");
+         const double a = std::stod(cols[2]) * 149597870.691;
+         const double mean_motion = std::sqrt(132712440018.0 / (a * a * a));
+         cols[7] = number(std::stod(cols[7]) + mean_motion * dt / 0.017453292519943295);
+         row.clear();
+         for (std::size_t j = 0; j < cols.size(); ++j) row += (j ? "\t" : "") + cols[j];
+         s.catalogue.clear();
+         for (const std::string& text : rows) s.catalogue += text + "\n";
+         return exits(mismatch("Error201", "Position", meet, "position", "1500 km", "1000 km"), 1);
+       }});
   cases.push_back({"Error202_FlybyVelocityShifted", "Error202", [](Scenario& s) {
                      // Ship 4 coasts from its last asteroid into its last Earth drop. Both
                      // drop lines carry the same velocity; moving both by 2.5 m/s keeps the
@@ -309,22 +318,162 @@ void arc_state_cases(std::vector<ErrorCase>& cases) {
                      // the coast.
                      const int drop = event_line(s, -3, 739);
                      bool same = drop == 739;
-                     for (int j = 2; j < 9; ++j) same = same && value_at(s, 739, j) == value_at(s, 740, j);
-                     require(same,
-                             "ship 4's last drop");
+                     for (int j = 2; j < 9; ++j)
+                       same = same && value_at(s, 739, j) == value_at(s, 740, j);
+                     require(same, "ship 4's last drop");
                      for (int l = drop; l <= drop + 1; ++l) {
                        set_token(s, l, 6, number(value_at(s, l, 6) + 0.0025));
                      }
-                     return exits(mismatch("Error202", "Velocity", drop, "velocity", "2.5 m/s",
-                                           "1 m/s"),
-                                  1);
+                     return exits(
+                         mismatch("Error202", "Velocity", drop, "velocity", "2.5 m/s", "1 m/s"), 1);
                    }});
   cases.push_back({"Error203_RendezvousMassesRaised", "Error203", [](Scenario& s) {
                      // Both lines of ship 5's last rendezvous 2 kg heavier: the miner is still
                      // 40 kg, the arc before it loses 2 kg too little.
                      const int meet = event_line(s, 1017);
                      for (int l = meet; l <= meet + 1; ++l) set_mass(s, l, value_at(s, l, 9) + 2.0);
-                     return exits(mismatch("Error203", "Mass", meet, "mass", "2 kg", "0.001 kg"), 1);
+                     return exits(mismatch("Error203", "Mass", meet, "mass", "2 kg", "0.001 kg"),
+                                  1);
+                   }});
+}
+
+// Ship 1 is the first ship; its first group of collections (asteroids 985..989, lines
+// 155..212) is dropped at the Earth on lines 225/226. Ship 2 meets 975..979 a second time
+// (lines 479..536) and drops them on 549/550. Asteroids 975..984 share one orbit (the
+// ship met each of them along it), so each of them stands where its neighbour stands.
+void mining_cases(std::vector<ErrorCase>& cases) {
+  cases.push_back({"Error801_DropShortOfCollections", "Error801", [](Scenario& s) {
+                     require(event_line(s, -3) == 225, "ship 1's first drop");
+                     set_mass(s, 226, value_at(s, 226, 9) + 0.5);  // 0.5 kg stays on board
+                     return exits(mining("Error801", 226, kUnbalanced), 0);
+                   }});
+  cases.push_back({"Error802_NeighbourAsteroidRenamed", "Error802", [](Scenario& s) {
+                     // Ship 1's miner for 976 (lines 29/30, 64451) is left at 975 instead,
+                     // which it met 30 days before (lines 15/16).
+                     require(event_line(s, 976) == 29 && event_line(s, 975) == 15, "ship 1");
+                     set_token(s, 29, 1, "975");
+                     set_token(s, 30, 1, "975");
+                     return exits(mining("Error802", 30, kTooSoon), 0);
+                   }});
+  cases.push_back({"Error803_FirstVisitLeaves39kg", "Error803", [](Scenario& s) {
+                     require(event_line(s, 975) == 15, "ship 1's first rendezvous");
+                     set_mass(s, 16, value_at(s, 15, 9) - 39.0);
+                     return exits(mining("Error803", 16, kNotAMiner), 0);
+                   }});
+  cases.push_back({"Error803_EarlierVisitMetSecond", "Error803", [](Scenario& s) {
+                     // Asteroid 985: ship 1 collects it (line 156, 65531.6) before ship 2's
+                     // earlier miner visit (line 340, 64436) is read; the earlier one is named.
+                     require(event_line(s, 985) == 155 && event_line(s, 985, 200) == 339,
+                             "asteroid 985");
+                     set_mass(s, 340, value_at(s, 339, 9) - 39.0);
+                     return exits(mining("Error803", 340, kNotAMiner), 0);
+                   }});
+  cases.push_back({"Error803_SingleVisitLeaves39kg", "Error803", [](Scenario& s) {
+                     // Asteroid 1015 is met once, by ship 5 (lines 764/765).
+                     require(event_line(s, 1015) == 764, "ship 5's first rendezvous");
+                     set_mass(s, 765, value_at(s, 764, 9) - 39.0);
+                     return exits(mining("Error803", 765, kNotAMiner), 0);
+                   }});
+  cases.push_back({"Error804_CollectionAboveTenKgAYear", "Error804", [](Scenario& s) {
+                     // Ship 2 takes 34.9 kg from 975 three years after ship 1's miner (29.996
+                     // allowed) and drops 5 kg more on 550, so its own balance holds.
+                     require(event_line(s, 975, 200) == 479 && event_line(s, -3, 540) == 549,
+                             "ship 2's collections");
+                     set_mass(s, 480, value_at(s, 480, 9) + 5.0);
+                     set_mass(s, 550, value_at(s, 550, 9) - 5.0);
+                     return exits(
+                         "Error804. Mining Data Error on the line 480: The mass of "
+                         "resources obtained on the asteroid is unreasonable.\n",
+                         0);
+                   }});
+  cases.push_back({"Error804_NothingCollected", "Error804", [](Scenario& s) {
+                     // Ship 2 takes nothing at 975 and drops 29.9 kg less.
+                     require(event_line(s, 975, 200) == 479 && event_line(s, -3, 540) == 549,
+                             "ship 2's collections");
+                     const double taken = value_at(s, 480, 9) - value_at(s, 479, 9);
+                     set_mass(s, 480, value_at(s, 479, 9));
+                     set_mass(s, 550, value_at(s, 550, 9) + taken);
+                     return exits(
+                         "Error804. Mining Data Error on the line 480: The mass of "
+                         "resources obtained on the asteroid is unreasonable.\n",
+                         0);
+                   }});
+  cases.push_back({"Error805_ThirdVisit", "Error805", [](Scenario& s) {
+                     // Ship 2's collection at 976 (lines 493/494) is made at 975, which ship 1
+                     // and ship 2 (line 480) have already mined.
+                     require(event_line(s, 976, 200) == 493, "ship 2's collection at 976");
+                     set_token(s, 493, 1, "975");
+                     set_token(s, 494, 1, "975");
+                     return exits(mining("Error805", 494, kThirdVisit), 0);
+                   }});
+  cases.push_back({"Error807_TwentyOneMiners", "Error807", [](Scenario& s) {
+                     // Ship 3 (lines 649..694) leaves miners at 995..1004 every 30 days from
+                     // 64443.5; ship 4 leaves them at 1005..1014 every 30 days from 64458.5
+                     // (lines 697..716) and collects at 995 on 65539.1 (717/718), before
+                     // ship 3's next event (671, 65554.1). Ship 3 takes all eleven over as
+                     // miner visits of its own: 21 miners.
+                     require(event_line(s, 995) == 651 && event_line(s, 1005) == 671 &&
+                                 event_line(s, 1005, 695) == 697 && event_line(s, 995, 695) == 717,
+                             "ships 3 and 4");
+                     auto miner = [&](int first) {
+                       std::vector<std::string> pair;
+                       for (int l = first; l <= first + 1; ++l) {
+                         std::string text = with_token(line_at(s, l), 0, "3");
+                         pair.push_back(with_token(text, 9, l == first ? "1000" : "960"));
+                       }
+                       return pair;
+                     };
+                     std::vector<std::string> out(s.lines.begin(), s.lines.begin() + 650);
+                     for (int k = 0; k < 10; ++k) {
+                       out.push_back(line_at(s, 651 + 2 * k));
+                       out.push_back(line_at(s, 652 + 2 * k));
+                       for (std::string& text : miner(697 + 2 * k)) out.push_back(text);
+                     }
+                     for (std::string& text : miner(717)) out.push_back(text);
+                     out.insert(out.end(), s.lines.begin() + 670, s.lines.end());
+                     s.lines = out;
+                     return exits(
+                         "Error807. Mining Data Error: The number of miners used by a "
+                         "single Mining Ship exceeds the allowable range. Ship ID:3.\n",
+                         0);
+                   }});
+  cases.push_back({"Error901_FinalMassBelow500", "Error901", [](Scenario& s) {
+                     // Ship 5 ends at its rendezvous with 1017, leaving a 40 kg miner.
+                     require(event_line(s, 1017) == 816 && s.lines.size() == 817, "ship 5's end");
+                     set_mass(s, 816, 539.9);
+                     set_mass(s, 817, 499.9);
+                     return exits(
+                         "Error901. Mass Error: The final mass of the Minging ship is "
+                         "unreasonable. Ship ID:5.\n",
+                         0);
+                   }});
+}
+
+// The demo's five ships deliver 1396 kg from 40 asteroids.
+void ship_count_cases(std::vector<ErrorCase>& cases) {
+  auto add_launch_only_ships = [](Scenario& s, int count) {
+    require(event_line(s, 0, 741) == 741, "ship 5's launch");
+    const std::string first = s.lines[740], second = s.lines[741];
+    for (int id = 6; id < 6 + count; ++id) {
+      s.lines.push_back(with_token(first, 0, std::to_string(id)));
+      s.lines.push_back(with_token(second, 0, std::to_string(id)));
+    }
+  };
+  cases.push_back({"Error301_SixthShipOnlyLaunches", "Error301", [=](Scenario& s) {
+                     // 2 * e^(0.004 * 1396 / 6) = 5.07: five ships allowed.
+                     add_launch_only_ships(s, 1);
+                     return exits(
+                         "Error301. Mining Ship Number Error: The number of Mining "
+                         "Ships is 6, greater than the appropriable maximum number 5.\n",
+                         3);
+                   }});
+  cases.push_back({"Error301_TwentyShipsShareTheMass", "Error301", [=](Scenario& s) {
+                     // 2 * e^(0.004 * 1396 / 20) = 2.64: two ships allowed.
+                     add_launch_only_ships(s, 15);
+                     return exits(
+                         "Error301. Mining Ship Number Error: The number of Mining "
+                         "Ships is 20, greater than the appropriable maximum number 2.\n",
+                         3);
                    }});
 }
 
@@ -335,13 +484,15 @@ std::vector<ErrorCase> physics_error_cases() {
   thrust_table_cases(cases);
   arc_timing_cases(cases);
   arc_state_cases(cases);
-  cases.push_back({"ScoreFile_IsADirectory", kScoreFileError, [](Scenario& s) {
-                     s.prepare = [](const std::string& folder) {
-                       mkdir((folder + "/ScoreData.txt").c_str(), 0700);
-                     };
-                     return Expectation{std::string(kScoreFileError) + " 'ScoreData.txt'.\n", 0,
-                                        std::nullopt};
-                   }});
+  mining_cases(cases);
+  ship_count_cases(cases);
+  cases.push_back(
+      {"ScoreFile_IsADirectory", kScoreFileError, [](Scenario& s) {
+         s.prepare = [](const std::string& folder) {
+           mkdir((folder + "/ScoreData.txt").c_str(), 0700);
+         };
+         return Expectation{std::string(kScoreFileError) + " 'ScoreData.txt'.\n", 0, std::nullopt};
+       }});
   return cases;
 }
 
