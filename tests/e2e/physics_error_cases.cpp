@@ -1,5 +1,5 @@
-// Cases for the event checks, the mining ledger, the burning arcs, the ship count and
-// the score file.
+// Cases for the ship-level mining checks, the mining ledger, the burning arcs, the ship
+// count and the score file.
 //
 // The demo's arcs end exactly on the states that integrating them gives (the demo is
 // flown, not guessed), so moving an end state by a chosen amount makes the printed error
@@ -71,12 +71,13 @@ void require_idle_arc(const Scenario& s) {
 
 // --- Messages ---------------------------------------------------------------------
 
-std::string n(int line) {
+std::string line_no(int line) {
   return std::to_string(line);
 }
 
 std::string a_file_format(const char* code, int line, const char* what) {
-  return std::string(code) + ". File Format Error on the line " + n(line) + ": " + what + "\n";
+  return std::string(code) + ". File Format Error on the line " + line_no(line) + ": " + what +
+         "\n";
 }
 std::string missing_first(int line) {
   return a_file_format("ErrorA03", line, "Missing the first line of the burning arc.");
@@ -93,36 +94,36 @@ std::string last_not_zero(int line) {
                        "The thrust magnitude of the last line of the burning arc is not 0.");
 }
 std::string interval(const char* code, int line, const char* what) {
-  return std::string(code) + ". Thrust Epoch Error between line " + n(line) + " and line " +
-         n(line + 1) + ": The time interval is " + what + "\n";
+  return std::string(code) + ". Thrust Epoch Error between line " + line_no(line) + " and line " +
+         line_no(line + 1) + ": The time interval is " + what + "\n";
 }
 std::string too_much_thrust(int line, const std::string& magnitude) {
-  return "Error401. Thrust Magnitude Error on the line " + n(line) + ": The thrust magnitude is " +
-         magnitude + " N, greater than the maximum 0.6N.\n";
+  return "Error401. Thrust Magnitude Error on the line " + line_no(line) +
+         ": The thrust magnitude is " + magnitude + " N, greater than the maximum 0.6N.\n";
 }
 std::string phase_too_early(int line, const std::string& epoch) {
-  return "Error003. Event Time Error on the line " + n(line) +
+  return "Error003. Event Time Error on the line " + line_no(line) +
          ": The start epoch of the burning arc is " + epoch +
          "(MJD), earlier than the end epoch of the previous event (or burning arc).\n";
 }
 std::string arc_too_late(int line, const std::string& epoch) {
-  return "Error004. Event Time Error on the line " + n(line) +
+  return "Error004. Event Time Error on the line " + line_no(line) +
          ": The end epoch of the burning arc is " + epoch +
          "(MJD), later than the start epoch of the subsequent event.\n";
 }
 std::string sun_too_close(int a, int b) {
-  return "Error101. Position Error between line " + n(a) + " and line " + n(b) +
+  return "Error101. Position Error between line " + line_no(a) + " and line " + line_no(b) +
          ": The distance to the Sun of the mining ship is less than 0.3 AU.\n";
 }
 std::string mismatch(const char* code, const char* kind, int line, const std::string& what,
                      const char* unit, const char* limit) {
-  return std::string(code) + ". " + kind + " Error on the line " + n(line) + ": The " + what +
+  return std::string(code) + ". " + kind + " Error on the line " + line_no(line) + ": The " + what +
          " error between the integral state from the previous event and the state shown in "
          "the file is " +
          unit + ", greater than the constraint " + limit + ".\n";
 }
 std::string mining(const char* code, int line, const char* what) {
-  return std::string(code) + ". Mining Data Error on the line" + n(line) + ": " + what + "\n";
+  return std::string(code) + ". Mining Data Error on the line" + line_no(line) + ": " + what + "\n";
 }
 constexpr const char* kUnbalanced =
     "The mass of resources unloaded on the Earth should be equal to the total mass of "
