@@ -4,10 +4,6 @@
 
 namespace kavren {
 
-bool is_line_space(char c) {
-  return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
-}
-
 std::string_view trimmed_line(std::string_view raw) {
   // The line is handled as a C string: a NUL byte ends its text.
   const void* nul = std::memchr(raw.data(), '\0', raw.size());

@@ -23,7 +23,9 @@ namespace kavren {
 
 // White space as the C locale classifies it: blank, tab, newline, vertical tab, form
 // feed, carriage return. Bytes above 127 are not white space.
-bool is_line_space(char c);
+inline bool is_line_space(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
 
 // The text of a line as trimming sees it: up to its first NUL byte, without leading
 // and trailing white space.
