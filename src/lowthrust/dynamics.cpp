@@ -98,6 +98,40 @@ void lagrange(const double* x, const double* const* ys, int count, long long n, 
   }
 }
 
+// Two doubles side by side: element-wise IEEE arithmetic, each lane rounded exactly as
+// the scalar operation, so the pairs below give the scalar form's bits at about half the
+// cost of its divisions.
+typedef double Pair __attribute__((vector_size(16)));
+
+// The cubic of `lagrange` for four points and three ordinate sets, operation for
+// operation: the twelve quotients (t - x[k]) / (x[j] - x[k]) taken two at a time, each
+// product formed from 1.0 in increasing k, each sum from 0.0 in increasing j.
+void cubic3(const double* x, const double* const* ys, double t, double* out) {
+  const Pair n01 = {t - x[0], t - x[1]};
+  const Pair n23 = {t - x[2], t - x[3]};
+  // Row j holds the quotients for k != j in increasing k.
+  const Pair a = Pair{t - x[1], t - x[2]} / Pair{x[0] - x[1], x[0] - x[2]};  // j=0: k=1,2
+  const Pair b = Pair{t - x[3], t - x[0]} / Pair{x[0] - x[3], x[1] - x[0]};  // j=0: k=3; j=1: k=0
+  const Pair c = n23 / Pair{x[1] - x[2], x[1] - x[3]};                       // j=1: k=2,3
+  const Pair d = n01 / Pair{x[2] - x[0], x[2] - x[1]};                       // j=2: k=0,1
+  const Pair e = Pair{t - x[3], t - x[0]} / Pair{x[2] - x[3], x[3] - x[0]};  // j=2: k=3; j=3: k=0
+  const Pair f = Pair{t - x[1], t - x[2]} / Pair{x[3] - x[1], x[3] - x[2]};  // j=3: k=1,2
+  double prod[4];
+  prod[0] = ((1.0 * a[0]) * a[1]) * b[0];
+  prod[1] = ((1.0 * b[1]) * c[0]) * c[1];
+  prod[2] = ((1.0 * d[0]) * d[1]) * e[0];
+  prod[3] = ((1.0 * e[1]) * f[0]) * f[1];
+  Pair xy = {0.0, 0.0};
+  double z = 0.0;
+  for (int j = 0; j < 4; ++j) {
+    xy += Pair{ys[0][j], ys[1][j]} * Pair{prod[j], prod[j]};
+    z += ys[2][j] * prod[j];
+  }
+  out[0] = xy[0];
+  out[1] = xy[1];
+  out[2] = z;
+}
+
 // Piecewise interpolation of degree p over a table of n points; `interval` is the first
 // bracketing interval (or -1) and is consulted only when the table has more than p+1
 // points. An empty table interpolates to 0.
@@ -117,6 +151,10 @@ void piecewise(const double* x, const double* const* ys, int count, long long n,
   if (s < 0) s = 0;
   const double* shifted[3];
   for (int c = 0; c < count; ++c) shifted[c] = ys[c] + s;
+  if (p == 3 && count == 3) {
+    cubic3(x + s, shifted, t, out);
+    return;
+  }
   lagrange(x + s, shifted, count, p, t, out);
 }
 
@@ -206,10 +244,16 @@ void LowThrustDy(double t, const double* y, double* dy, const double* para) {
     error101(line + 1, line + n);
   }
 
+  // dy[3+i] = ((u_i * 0.001) / m) / 5.930083519670628e-06 - ((y_i / r) / r) / r,
+  // x and y as a pair, z alone.
   const double m = y[6];
-  for (int i = 0; i < 3; ++i) {
-    dy[3 + i] = ((u[i] * 0.001) / m) / 5.930083519670628e-06 - ((y[i] / r) / r) / r;
-  }
+  const Pair mm = {m, m};
+  const Pair rr = {r, r};
+  const Pair acc = ((Pair{u[0], u[1]} * 0.001) / mm) / 5.930083519670628e-06 -
+                   ((Pair{y[0], y[1]} / rr) / rr) / rr;
+  dy[3] = acc[0];
+  dy[4] = acc[1];
+  dy[5] = ((u[2] * 0.001) / m) / 5.930083519670628e-06 - ((y[2] / r) / r) / r;
   dy[6] = ((-u_norm * 0.001 / 4000.0) / 0.00980665) * 5022642.890912784;
 }
 

@@ -54,6 +54,7 @@ TEST(ErrorCoverage, EveryMessageIsReached) {
   for (int family : {5, 6, 7, 8}) {
     const int last = family == 5 ? 7 : family == 6 ? 7 : family == 7 ? 5 : 7;
     for (int k = 1; k <= last; ++k) {
+      if (family == 6 && k == 6) continue;  // there is no Error606
       required.insert("Error" + std::to_string(family * 100 + k));
     }
   }
