@@ -39,6 +39,11 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
     return refuse_line(kA09, index, ": The number of data in this line is unreasonable.");
   }
   tokenize_line(text, tokens);
+  // Only a line of 10 or 6 tokens has an event ID to read; a line of one token (a
+  // long number) has no second token.
+  if (tokens.size() != 10 && tokens.size() != 6) {
+    return refuse_line(kA09, index, ": The number of data in this line is unreasonable.");
+  }
   const int id = parse_int(tokens[1]);
   if (tokens.size() == 10) {
     if (id == 0) {
@@ -56,13 +61,9 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
       return refuse_line("ErrorA10. File Format Error on the line", index,
                          ": The event ID is unreasonable.");
     }
-  } else if (tokens.size() == 6) {
-    if (id != -1) {
-      return refuse_line("ErrorA11. File Format Error on the line", index,
-                         ": The event ID of the burning arcs is wrong.");
-    }
-  } else {
-    return refuse_line(kA09, index, ": The number of data in this line is unreasonable.");
+  } else if (id != -1) {
+    return refuse_line("ErrorA11. File Format Error on the line", index,
+                       ": The event ID of the burning arcs is wrong.");
   }
 
   // A ship is a maximal run of lines with the same ship ID.

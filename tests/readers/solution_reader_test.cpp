@@ -118,6 +118,25 @@ TEST(LineGrammar, ShortLinesAndWrongTokenCounts) {
                  "ErrorA09. File Format Error on the line 3" + unreasonable);
 }
 
+// The bytes of a literal that holds NUL bytes, without its terminating one.
+template <std::size_t N>
+std::string with_nul(const char (&text)[N]) {
+  return std::string(text, N - 1);
+}
+
+// Found by fuzzing: a long line of a single token (or one whose text a NUL byte cuts
+// after its first token) has no event ID; it is refused by its token count.
+TEST(LineGrammar, LinesOfOneTokenAreRefusedByTheirCount) {
+  const std::string good = launch().text();
+  const std::string unreasonable = ": The number of data in this line is unreasonable.";
+  expect_refusal(good + "123456789012\n",
+                 "ErrorA09. File Format Error on the line 3" + unreasonable);
+  expect_refusal(good + with_nul("1\0\t0\t64330 1 2 3 4 5 6 7\n"),
+                 "ErrorA09. File Format Error on the line 3" + unreasonable);
+  expect_refusal(with_nul("-29.60`\0000216086973.5\t-2.258\n"),
+                 "ErrorA09. File Format Error on the line 1" + unreasonable);
+}
+
 TEST(LineGrammar, EventIdentifiers) {
   const std::string good = launch().text();
   for (int id : {-1, -5, 60001, 1000000}) {

@@ -1,0 +1,498 @@
+// Hostile and damaged input through the real binary: missing and unreadable files, empty
+// and blank files, line ends, stray bytes, huge lines and files, unusual numbers, IDs
+// beyond 32 bits, non-finite integration and short catalogues. Each test asserts the
+// whole standard output and the exit status.
+//
+// Many changes leave every value the checks see as it was (a number written in another
+// form, bytes the tokenizer drops); those runs must give exactly the outcome of the
+// unchanged demo.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "e2e/error_case.h"
+#include "support/e2e.h"
+
+namespace kavren::test {
+namespace {
+
+constexpr const char* kUnreasonable = ": The number of data in this line is unreasonable.";
+// A file of launch pairs only: no rendezvous, no arc, no resources; with one ship the
+// ship-count limit 2 * exp(0) = 2 is kept.
+constexpr const char* kOneLaunchOnlyShip =
+    "Check successfully!\n"
+    "The number of mining ships is 1 ;\n"
+    "The number of mined asteroids is 0 ;\n"
+    "The total resource mass is 0 kg.\n";
+
+std::string joined(const std::vector<std::string>& lines, const std::string& end = "\n") {
+  std::string text;
+  for (const std::string& line : lines) text += line + end;
+  return text;
+}
+
+RunResult run_text(const std::string& result, const std::string& catalogue) {
+  return run_check({{"Result.txt", result}, {"KAVREN_Asteroids_Data.txt", catalogue}});
+}
+
+RunResult run_lines(const std::vector<std::string>& lines) {
+  return run_text(joined(lines), demo_scenario().catalogue);
+}
+
+// The unchanged demo, run once: a success with every ship, asteroid and arc checked.
+const RunResult& demo_run() {
+  static const RunResult run = run_lines(demo_scenario().lines);
+  return run;
+}
+
+void expect_demo_outcome(const RunResult& run) {
+  ASSERT_EQ(demo_run().out.rfind("Check successfully!\n", 0), 0u) << demo_run().out;
+  EXPECT_EQ(run.out, demo_run().out);
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.score, demo_run().score);
+}
+
+void expect_outcome(const RunResult& run, const std::string& out, int status) {
+  EXPECT_EQ(run.out, out);
+  EXPECT_EQ(run.status, status);
+}
+
+std::string line_message(const char* head, int line, const char* tail) {
+  return head + std::to_string(line) + tail + "\n";
+}
+
+// The demo's first two lines: one ship's launch, which the launch checks accept.
+std::vector<std::string> launch_pair() {
+  const std::vector<std::string>& lines = demo_scenario().lines;
+  return {lines.at(0), lines.at(1)};
+}
+
+// Every token of the line rewritten by `f(k, token)`; tokens joined by tabs.
+template <typename F>
+std::string map_tokens(const std::string& line, F f) {
+  const std::vector<std::string> tokens = tokens_of(line);
+  std::string out;
+  for (std::size_t k = 0; k < tokens.size(); ++k) {
+    out += (k ? "\t" : "") + f(static_cast<int>(k), tokens[k]);
+  }
+  return out;
+}
+
+std::string hex_float(const std::string& decimal) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%a", std::stod(decimal));
+  return text;
+}
+
+template <std::size_t N>
+std::string with_nul(const char (&text)[N]) {
+  return std::string(text, N - 1);
+}
+
+// Line numbers (1-based) of the demo's first arc, as the demo lays it out: two thrust
+// phases, lines 3..8 and 9..14, each opened and closed by zero-thrust lines.
+constexpr int kFirstArcLine = 3;
+constexpr int kSecondPhaseClose = 14;
+
+TEST(Robustness, DemoLayoutAssumedByTheseTests) {
+  const std::vector<std::string>& lines = demo_scenario().lines;
+  EXPECT_EQ(tokens_of(lines.at(kFirstArcLine - 1)).size(), 6u);
+  EXPECT_EQ(tokens_of(lines.at(kSecondPhaseClose - 1)).size(), 6u);
+  EXPECT_EQ(tokens_of(lines.at(kSecondPhaseClose)).size(), 10u);
+  EXPECT_EQ(tokens_of(lines.at(3))[2], "64411.25");
+  EXPECT_EQ(tokens_of(lines.at(4))[2], "64412.25");
+  EXPECT_EQ(tokens_of(lines.at(5))[2], "64413.25");
+  EXPECT_EQ(tokens_of(lines.at(6))[2], "64414.25");
+  EXPECT_EQ(tokens_of(lines.at(7))[2], "64414.25");
+}
+
+// --- Files that are missing, unreadable, empty or blank ---------------------------
+
+TEST(Robustness, MissingOrUnreadableFiles) {
+  expect_outcome(run_check({{"KAVREN_Asteroids_Data.txt", demo_scenario().catalogue}}),
+                 "ErrorA01. File Open Error: Cannot find the solution file.\n", 1);
+  expect_outcome(run_check({{"Result.txt", joined(launch_pair())}}),
+                 "ErrorA00: The file of Asteroid Data cannot be found.\n", 1);
+
+  // A folder in the file's place opens but delivers no byte: an empty solution, and a
+  // catalogue whose rows all stay zero (which a launch-only file never consults).
+  {
+    TempDir dir;
+    dir.write("KAVREN_Asteroids_Data.txt", demo_scenario().catalogue);
+    ASSERT_EQ(mkdir((dir.path() + "/Result.txt").c_str(), 0700), 0);
+    expect_outcome(run_in(dir.path(), checker_binary()),
+                   "ErrorA02. File Open Error: The solution file is empty.\n", 0);
+  }
+  {
+    TempDir dir;
+    dir.write("Result.txt", joined(launch_pair()));
+    ASSERT_EQ(mkdir((dir.path() + "/KAVREN_Asteroids_Data.txt").c_str(), 0700), 0);
+    expect_outcome(run_in(dir.path(), checker_binary()), kOneLaunchOnlyShip, 0);
+  }
+
+  // Without read permission the file cannot be opened (the superuser reads it anyway).
+  if (geteuid() != 0) {
+    TempDir dir;
+    dir.write("KAVREN_Asteroids_Data.txt", demo_scenario().catalogue);
+    dir.write("Result.txt", joined(launch_pair()));
+    ASSERT_EQ(chmod((dir.path() + "/Result.txt").c_str(), 0), 0);
+    expect_outcome(run_in(dir.path(), checker_binary()),
+                   "ErrorA01. File Open Error: Cannot find the solution file.\n", 1);
+    ASSERT_EQ(chmod((dir.path() + "/Result.txt").c_str(), 0600), 0);
+    ASSERT_EQ(chmod((dir.path() + "/KAVREN_Asteroids_Data.txt").c_str(), 0), 0);
+    expect_outcome(run_in(dir.path(), checker_binary()),
+                   "ErrorA00: The file of Asteroid Data cannot be found.\n", 1);
+  }
+}
+
+TEST(Robustness, EmptyAndBlankSolutions) {
+  const std::string& catalogue = demo_scenario().catalogue;
+  const std::string empty_line1 = "ErrorA09. File Format Error on the line 1: This line is empty!\n";
+  expect_outcome(run_text("", catalogue),
+                 "ErrorA02. File Open Error: The solution file is empty.\n", 0);
+  expect_outcome(run_text("\n", catalogue), empty_line1, 0);
+  expect_outcome(run_text(" \t \v\f\n\n", catalogue), empty_line1, 0);
+  expect_outcome(run_text("\r\n\r\n", catalogue), empty_line1, 0);
+  expect_outcome(run_text("        ", catalogue), empty_line1, 0);
+  expect_outcome(run_text(joined(launch_pair()) + "   \t   \n", catalogue),
+                 "ErrorA09. File Format Error on the line 3: This line is empty!\n", 0);
+}
+
+TEST(Robustness, EmptyOrBlankCatalogueLeavesEveryRowZero) {
+  const std::string launch = joined(launch_pair());
+  for (const std::string& catalogue : {std::string(), std::string("   \n \t \n\n"),
+                                       std::string("header without line break")}) {
+    expect_outcome(run_text(launch, catalogue), kOneLaunchOnlyShip, 0);
+  }
+}
+
+// --- Line ends and stray bytes ---------------------------------------------------
+
+TEST(Robustness, CarriageReturnLineEndsChangeNothing) {
+  std::string catalogue;
+  for (char c : demo_scenario().catalogue) {
+    if (c == '\n') catalogue += '\r';
+    catalogue += c;
+  }
+  expect_demo_outcome(run_text(joined(demo_scenario().lines, "\r\n"), catalogue));
+}
+
+TEST(Robustness, NulBytesEndALinesText) {
+  std::vector<std::string> lines = demo_scenario().lines;
+  // After the last token: whatever follows the NUL is not part of the line.
+  lines[kFirstArcLine - 1] += with_nul("\0 7 7 7 7");
+  expect_demo_outcome(run_lines(lines));
+
+  // After the third token: the line has three tokens left.
+  lines = demo_scenario().lines;
+  lines[kFirstArcLine - 1] = "1\t-1\t64411.25" + with_nul("\0\t0\t0\t0");
+  expect_outcome(run_lines(lines),
+                 line_message("ErrorA09. File Format Error on the line ", kFirstArcLine,
+                              kUnreasonable),
+                 0);
+
+  // Found by fuzzing: a first line whose text is one token. It has no event ID.
+  expect_outcome(
+      run_text(with_nul("-29.60`\0000216086973.5\t-2.258\n"), demo_scenario().catalogue),
+      line_message("ErrorA09. File Format Error on the line ", 1, kUnreasonable), 0);
+}
+
+TEST(Robustness, NonAsciiBytes) {
+  std::vector<std::string> lines = demo_scenario().lines;
+  // Trailing bytes of a number are not part of it: the mass still reads 2000.
+  lines[0] += "\xc3\xa9\xff";
+  expect_demo_outcome(run_lines(lines));
+
+  // Bytes above 127 are not white space: here they form a seventh token.
+  lines = demo_scenario().lines;
+  lines[kFirstArcLine - 1] += " \xa0\x85";
+  expect_outcome(run_lines(lines),
+                 line_message("ErrorA09. File Format Error on the line ", kFirstArcLine,
+                              kUnreasonable),
+                 0);
+
+  // A byte-order mark glues onto the first ship ID, which then reads as 0.
+  lines = demo_scenario().lines;
+  lines[0] = "\xef\xbb\xbf" + lines[0];
+  expect_outcome(run_lines(lines),
+                 "ErrorA12. File Format Error on the line1: The ID of the ship is wrong.\n", 0);
+}
+
+// --- Size --------------------------------------------------------------------------
+
+TEST(Robustness, LinesOfAMegabyte) {
+  const std::size_t megabyte = 1 << 20;
+  std::vector<std::string> lines = demo_scenario().lines;
+  lines[kFirstArcLine - 1] += std::string(megabyte, ' ');
+  expect_demo_outcome(run_lines(lines));
+
+  // An epoch of a megabyte of digits: trailing zeros leave its value as it is.
+  lines = demo_scenario().lines;
+  lines[kFirstArcLine - 1] =
+      with_token(lines[kFirstArcLine - 1], 2, "64411.25" + std::string(megabyte, '0'));
+  expect_demo_outcome(run_lines(lines));
+
+  lines = demo_scenario().lines;
+  lines[kFirstArcLine - 1] = std::string(megabyte, 'x');
+  expect_outcome(run_lines(lines),
+                 line_message("ErrorA09. File Format Error on the line ", kFirstArcLine,
+                              kUnreasonable),
+                 0);
+}
+
+// Wall-clock seconds of one run; the limits below are generous (sanitizer builds, a
+// shared machine): they catch work that grows faster than the file, not slow disks.
+template <typename F>
+double seconds_of(F f) {
+  const auto start = std::chrono::steady_clock::now();
+  f();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+TEST(Robustness, AMillionArcLinesInOneArc) {
+  // 333,333 thrust phases of three zero-thrust lines at the launch epoch, placed before
+  // the first arc's own lines: each phase starts where the ship is (no coast) and lasts
+  // no time, so the ship's state and the rest of the check are unchanged.
+  const std::vector<std::string>& demo = demo_scenario().lines;
+  std::string text = demo[0] + "\n" + demo[1] + "\n";
+  const std::string zero_line = "1\t-1\t64411\t0\t0\t0\n";
+  text.reserve(text.size() + 999999 * zero_line.size() + 64 * 1024);
+  for (int k = 0; k < 999999; ++k) text += zero_line;
+  for (std::size_t i = 2; i < demo.size(); ++i) text += demo[i] + "\n";
+  RunResult run;
+  const double seconds = seconds_of([&] { run = run_text(text, demo_scenario().catalogue); });
+  expect_demo_outcome(run);
+  EXPECT_LT(seconds, 120.0);
+}
+
+TEST(Robustness, AMillionLinesAfterTheLastEvent) {
+  // Arc lines after a ship's last event pair close no arc and are not checked.
+  std::vector<std::string> lines = demo_scenario().lines;
+  const std::string ship = tokens_of(lines.back())[0];
+  std::string text = joined(lines);
+  const std::string tail_line = ship + "\t-1\t69807\t1e400\tnan\t-0\n";
+  for (int k = 0; k < 1000000; ++k) text += tail_line;
+  RunResult run;
+  const double seconds = seconds_of([&] { run = run_text(text, demo_scenario().catalogue); });
+  expect_demo_outcome(run);
+  EXPECT_LT(seconds, 120.0);
+}
+
+TEST(Robustness, HalfAMillionShips) {
+  // Ships are runs of lines with one ship ID: alternating IDs make every launch pair a
+  // ship of its own. No resources are delivered, so at most 2 * exp(0) = 2 ships.
+  const std::vector<std::string> launch = launch_pair();
+  std::string text;
+  for (int ship = 0; ship < 500000; ++ship) {
+    const std::string id = ship % 2 == 0 ? "1" : "2";
+    text += with_token(launch[0], 0, id) + "\n" + with_token(launch[1], 0, id) + "\n";
+  }
+  RunResult run;
+  const double seconds = seconds_of([&] { run = run_text(text, demo_scenario().catalogue); });
+  expect_outcome(run,
+                 "Error301. Mining Ship Number Error: The number of Mining Ships is 500000, "
+                 "greater than the appropriable maximum number 2.\n",
+                 3);
+  EXPECT_LT(seconds, 120.0);
+}
+
+// --- Numbers -----------------------------------------------------------------------
+
+TEST(Robustness, EpochsBeyondTheMissionWhateverTheirForm) {
+  const std::string later = "Error002. Event Time Error on the line3: The epoch is later than "
+                            "the mission's end time (69807 MJD).\n";
+  const std::string earlier = "Error001. Event Time Error on the line3: The epoch is earlier "
+                              "than the mission's initial time (64328 MJD).\n";
+  const std::map<std::string, std::string> cases = {
+      {"1e400", later}, {"inf", later},     {"INFINITY", later}, {"0x1p17", later},
+      {"-1e400", earlier}, {"-inf", earlier}, {"-0", earlier},   {"0x1p-1074", earlier},
+      {"1e-400", earlier}};
+  for (const auto& [epoch, message] : cases) {
+    std::vector<std::string> lines = demo_scenario().lines;
+    lines[kFirstArcLine - 1] = with_token(lines[kFirstArcLine - 1], 2, epoch);
+    expect_outcome(run_lines(lines), message, 0);
+  }
+}
+
+TEST(Robustness, HexadecimalAndSignedZeroNumbersReadAsTheirValues) {
+  // Every epoch, state, mass and thrust written as a hexadecimal float of the same value,
+  // every zero as "-0": the same doubles, so the same outcome.
+  std::vector<std::string> lines = demo_scenario().lines;
+  for (std::string& line : lines) {
+    line = map_tokens(line, [](int k, const std::string& token) {
+      if (k < 2) return token;  // ship and event IDs are integers
+      if (std::stod(token) == 0.0) return std::string("-0");
+      return hex_float(token);
+    });
+  }
+  expect_demo_outcome(run_lines(lines));
+
+  // A hexadecimal epoch inside the mission is an epoch like any other: 0x1p16 = 65536
+  // puts the first arc line after its successor, so no phase can open there.
+  lines = demo_scenario().lines;
+  lines[kFirstArcLine - 1] = with_token(lines[kFirstArcLine - 1], 2, "0x1p16");
+  expect_outcome(run_lines(lines),
+                 "ErrorA03. File Format Error on the line 3: Missing the first line of the "
+                 "burning arc.\n",
+                 0);
+}
+
+TEST(Robustness, InfiniteThrustIsAboveTheLimit) {
+  for (const char* value : {"1e400", "inf", "-INF"}) {
+    std::vector<std::string> lines = demo_scenario().lines;
+    lines[3] = with_token(lines[3], 4, value);  // line 4, the first thrust line
+    expect_outcome(run_lines(lines),
+                   "Error401. Thrust Magnitude Error on the line 4: The thrust magnitude is inf "
+                   "N, greater than the maximum 0.6N.\n",
+                   0);
+  }
+}
+
+// NaN passes every limit test. Once the integration meets NaN the state reached is NaN,
+// and the comparison with the state in the file fails none of its three tests: the arc
+// is accepted whatever its end state says.
+TEST(Robustness, IntegrationThatMeetsNaNCannotFail) {
+  const std::vector<std::string>& demo = demo_scenario().lines;
+  // A NaN thrust inside a phase.
+  std::vector<std::string> lines = demo;
+  lines[4] = with_token(lines[4], 3, "nan");
+  expect_demo_outcome(run_lines(lines));
+
+  // A NaN epoch inside a phase: the one-day step test cannot fail on it either.
+  lines = demo;
+  lines[4] = with_token(lines[4], 2, "nan");
+  expect_demo_outcome(run_lines(lines));
+
+  // A last step of no time: the phase's last two thrust lines share an epoch (with a
+  // thrust, so the phase does not close early), the closing line follows at that epoch.
+  // Interpolating between two points at one time divides by zero.
+  lines = demo;
+  lines[6] = with_token(with_token(lines[6], 2, "64413.25"), 3, "0.1");
+  lines[7] = with_token(lines[7], 2, "64413.25");
+  expect_demo_outcome(run_lines(lines));
+}
+
+TEST(Robustness, IdentifiersBeyondThirtyTwoBits) {
+  const std::vector<std::string>& demo = demo_scenario().lines;
+  const std::string ship_error =
+      "ErrorA12. File Format Error on the line1: The ID of the ship is wrong.\n";
+  // Reduced modulo 2^32 as atoi does: 2^32 + 1 is ship 1, 2^32 is 0, 2^31 is negative, and
+  // a number beyond the range of long saturates to all ones, -1.
+  std::vector<std::string> lines = demo;
+  const std::string first_ship = tokens_of(demo[0])[0];
+  ASSERT_EQ(first_ship, "1");
+  for (std::string& line : lines) {
+    if (tokens_of(line)[0] == first_ship) line = with_token(line, 0, "4294967297");
+  }
+  expect_demo_outcome(run_lines(lines));
+  for (const char* id : {"4294967296", "2147483648", "99999999999999999999999"}) {
+    lines = demo;
+    lines[0] = with_token(lines[0], 0, id);
+    expect_outcome(run_lines(lines), ship_error, 0);
+  }
+
+  // The first rendezvous (lines 15 and 16): its asteroid ID plus or minus 2^32 is the
+  // same asteroid.
+  const int visit = find_line(demo, std::stoi(tokens_of(demo[kSecondPhaseClose])[1]));
+  ASSERT_EQ(visit, kSecondPhaseClose);
+  const long long asteroid = std::stoll(tokens_of(demo[visit])[1]);
+  for (long long shifted : {asteroid + 4294967296LL, asteroid - 4294967296LL}) {
+    lines = demo;
+    lines[visit] = with_token(lines[visit], 1, std::to_string(shifted));
+    lines[visit + 1] = with_token(lines[visit + 1], 1, std::to_string(shifted));
+    expect_demo_outcome(run_lines(lines));
+  }
+  lines = demo;
+  lines[visit] = with_token(lines[visit], 1, "60001");
+  expect_outcome(run_lines(lines),
+                 "ErrorA10. File Format Error on the line15: The event ID is unreasonable.\n", 0);
+  // 2^32 reads as 0, a launch: one launch line too many.
+  lines = demo;
+  lines[visit] = with_token(lines[visit], 1, "4294967296");
+  expect_outcome(run_lines(lines),
+                 "ErrorA13. File Format Error: The number of mining ships does not match the "
+                 "number of launch events.\n",
+                 0);
+}
+
+// --- Short catalogues --------------------------------------------------------------
+
+std::vector<std::string> catalogue_lines() {
+  std::vector<std::string> lines;
+  std::string line;
+  for (char c : demo_scenario().catalogue) {
+    if (c == '\n') {
+      lines.push_back(line);
+      line.clear();
+    } else {
+      line += c;
+    }
+  }
+  if (!line.empty()) lines.push_back(line);
+  return lines;
+}
+
+TEST(Robustness, CatalogueWithFewerRowsLeavesTheRestZero) {
+  // The demo visits asteroids numbered from 975 on; keep the header and 500 rows.
+  const std::vector<std::string> rows = catalogue_lines();
+  ASSERT_EQ(rows.size(), 60001u);
+  std::string cut, zeros;
+  for (std::size_t i = 0; i <= 500; ++i) cut += rows[i] + "\n";
+  zeros = cut;
+  for (int id = 501; id <= 60000; ++id) zeros += std::to_string(id) + " 0 0 0 0 0 0 0\n";
+  const std::string solution = joined(demo_scenario().lines);
+  const RunResult run = run_text(solution, cut);
+  const RunResult explicit_zeros = run_text(solution, zeros);
+  EXPECT_EQ(run.out, explicit_zeros.out);
+  EXPECT_EQ(run.status, explicit_zeros.status);
+  // A zero row has a = 0: an infinite mean motion puts the asteroid at a NaN position,
+  // which no distance test rejects (NaN passes every limit test), so every rendezvous
+  // with a missing asteroid is accepted.
+  expect_demo_outcome(run);
+  // A launch-only file needs no asteroid.
+  expect_outcome(run_text(joined(launch_pair()), cut), kOneLaunchOnlyShip, 0);
+}
+
+TEST(Robustness, CatalogueWithFewerColumns) {
+  const std::vector<std::string> rows = catalogue_lines();
+  // The last record without its mean anomaly: that value stays zero.
+  std::string text, explicit_zero;
+  for (std::size_t i = 0; i + 1 < rows.size(); ++i) text += rows[i] + "\n";
+  std::vector<std::string> last = tokens_of(rows.back());
+  ASSERT_EQ(last.size(), 8u);
+  std::string shortened;
+  for (std::size_t k = 0; k < 7; ++k) shortened += (k ? "\t" : "") + last[k];
+  explicit_zero = text + shortened + "\t0\n";
+  text += shortened + "\n";
+  const std::string solution = joined(demo_scenario().lines);
+  expect_demo_outcome(run_text(solution, text));
+  expect_demo_outcome(run_text(solution, explicit_zero));
+
+  // Records are a stream of numbers, not lines: the whole catalogue on one line reads
+  // the same.
+  std::string one_line = rows[0] + "\n";
+  for (std::size_t i = 1; i < rows.size(); ++i) one_line += rows[i] + " ";
+  expect_demo_outcome(run_text(solution, one_line));
+
+  // Without the ID column every value moves by one column and the run stops at a
+  // check, never at a crash; launch-only files still pass.
+  std::string no_ids = rows[0] + "\n";
+  for (std::size_t i = 1; i < rows.size(); ++i) {
+    const std::vector<std::string> t = tokens_of(rows[i]);
+    for (std::size_t k = 1; k < t.size(); ++k) no_ids += (k > 1 ? "\t" : "") + t[k];
+    no_ids += "\n";
+  }
+  expect_outcome(run_text(joined(launch_pair()), no_ids), kOneLaunchOnlyShip, 0);
+  const RunResult shifted = run_text(solution, no_ids);
+  EXPECT_EQ(shifted.out.rfind("Error", 0), 0u) << shifted.out;
+  EXPECT_EQ(shifted.out.find('\n'), shifted.out.size() - 1) << "one message line";
+}
+
+}  // namespace
+}  // namespace kavren::test
