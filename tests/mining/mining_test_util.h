@@ -2,37 +2,19 @@
 // check prints and how it ends the run.
 #pragma once
 
-#include <iostream>
-#include <sstream>
-#include <string>
+#include <utility>
 
 #include "records/records.h"
 #include "records/termination.h"
+#include "support/capture.h"
 
 namespace mining_test {
 
-struct Outcome {
-  std::string out;
-  bool ended = false;  // the check ended the run
-  int status = -1;     // the run's exit status when it did
-};
-
+// Runs a check in-process, capturing what it prints and how it ends the run.
+using kavren::test::Outcome;
 template <class Check>
 Outcome run_captured(Check&& check) {
-  std::ostringstream buffer;
-  struct Redirect {
-    std::streambuf* saved;
-    ~Redirect() { std::cout.rdbuf(saved); }
-  } redirect{std::cout.rdbuf(buffer.rdbuf())};
-  Outcome outcome;
-  try {
-    check();
-  } catch (const kavren::Termination& end) {
-    outcome.ended = true;
-    outcome.status = end.status();
-  }
-  outcome.out = buffer.str();
-  return outcome;
+  return kavren::test::capture(std::forward<Check>(check));
 }
 
 // A rendezvous with asteroid `id` whose second line is file index `line_after`.
