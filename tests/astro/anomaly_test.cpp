@@ -58,31 +58,6 @@ TEST(KeplerEquation, InvertsE2MInBothConics) {
   }
 }
 
-TEST(KeplerEquation, ZeroMeanAnomalyStartsAndStaysAtZero) {
-  int flag = -1;
-  EXPECT_EQ(M2E(flag, 0.0, 0.5, 100, 1.0e-14), 0.0);
-  EXPECT_EQ(flag, 1);
-}
-
-TEST(KeplerEquation, WholeTurnsAreRestored) {
-  int flag = -1;
-  const double several = M2E(flag, 7.0 * kPi, 0.4, 100, 1.0e-14);
-  ASSERT_EQ(flag, 1);
-  const double one = M2E(flag, kPi, 0.4, 100, 1.0e-14);
-  ASSERT_EQ(flag, 1);
-  EXPECT_NEAR(several, one + 6.0 * kPi, 1.0e-13);
-  EXPECT_NEAR(one, kPi, 1.0e-14);  // apoapsis: E = M = pi
-}
-
-TEST(KeplerEquation, ToleranceAboveOneMakesNoIteration) {
-  int flag = -1;
-  // sin M > 0: start at M + 0.85 e; sin M < 0: M - 0.85 e; both with the turns kept.
-  EXPECT_DOUBLE_EQ(M2E(flag, 1.0, 0.5, 100, 2.0), 1.0 + 0.85 * 0.5);
-  EXPECT_EQ(flag, 1);
-  EXPECT_DOUBLE_EQ(M2E(flag, 4.0 + 2.0 * kTwoPi, 0.5, 100, 2.0), 4.0 - 0.85 * 0.5 + 2.0 * kTwoPi);
-  EXPECT_EQ(flag, 1);
-}
-
 TEST(KeplerEquation, RefusesInvalidArgumentsReturningM) {
   struct Case {
     double e;
@@ -163,14 +138,6 @@ TEST(Anomalies, EccentricAnomalyMatchesTheConicGeometry) {
       EXPECT_NEAR(E2f(flag, H, eh), f, 1e-12);
     }
   }
-}
-
-TEST(Anomalies, EllipticTurnsAreAddedBack) {
-  int flag = -1;
-  const double one = E2f(flag, 0.1, 0.3);
-  EXPECT_NEAR(E2f(flag, kTwoPi + 0.1, 0.3), kTwoPi + one, 1e-14);
-  EXPECT_NEAR(E2f(flag, -3.0 * kTwoPi + 0.1, 0.3), -3.0 * kTwoPi + one, 1e-13);
-  EXPECT_NEAR(E2M(flag, 5.0 * kTwoPi + 1.0, 0.3), 5.0 * kTwoPi + 1.0 - 0.3 * std::sin(1.0), 1e-13);
 }
 
 TEST(Anomalies, AsymptoteBoundIsInclusive) {

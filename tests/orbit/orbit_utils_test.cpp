@@ -28,34 +28,6 @@ const double kMeanSets[][6] = {
     {42164.0, 0.3, 5.0 * kDeg, 80.0 * kDeg, 150.0 * kDeg, 7.0 * kPi + 0.3},
 };
 
-TEST(M2O2, IsTheIdentityWithoutJ2) {
-  const double para[3] = {kMuEarth, 0.0, kReqEarth};
-  for (const auto& mean : kMeanSets) {
-    double osc[6];
-    int flag = 0;
-    M2O2(flag, osc, mean, para);
-    ASSERT_EQ(flag, 1);
-    for (int k = 0; k < 6; ++k) EXPECT_EQ(osc[k], mean[k]) << k;
-  }
-}
-
-TEST(M2O2, ShortPeriodTermsScaleLinearlyWithJ2) {
-  const double half[3] = {kMuEarth, 0.5 * kJ2Earth, kReqEarth};
-  for (const auto& mean : kMeanSets) {
-    double full_osc[6], half_osc[6];
-    int f1 = 0, f2 = 0;
-    M2O2(f1, full_osc, mean, kEarth);
-    M2O2(f2, half_osc, mean, half);
-    ASSERT_EQ(f1 + f2, 2);
-    for (int k = 0; k < 6; ++k) {
-      const double d_full = full_osc[k] - mean[k];
-      const double d_half = half_osc[k] - mean[k];
-      EXPECT_NEAR(d_half, 0.5 * d_full, 1e-9 * std::fabs(d_full) + 1e-15 * std::fabs(mean[k]))
-          << "element " << k;
-    }
-  }
-}
-
 // The osculating semi-major axis moves with the disturbing function at fixed energy:
 // a_osc - a_mean = 2 a^2 / mu (R - <R>), R taken at the actual position.
 TEST(M2O2, SemiMajorAxisFollowsTheDisturbingFunction) {
@@ -282,21 +254,6 @@ TEST(DynFun, TwoBodyAccelerationHandComputed) {
   EXPECT_EQ(dy[3], 0.0);
   EXPECT_DOUBLE_EQ(dy[4], -4.0 * 3.0 / 125.0);
   EXPECT_DOUBLE_EQ(dy[5], -4.0 * 4.0 / 125.0);
-}
-
-}  // namespace
-
-namespace {
-
-// The test's own element conversions must invert each other for the physical check above
-// to mean anything.
-TEST(OrbitTestSupport, ElementConversionsRoundTrip) {
-  const double el[6] = {8000.0, 0.2, 120.0 * kDeg, 300.0 * kDeg, 45.0 * kDeg, 260.0 * kDeg};
-  double rv[6], back[6];
-  orbit_test::elements_to_state(rv, el, kMuEarth);
-  orbit_test::state_to_elements(back, rv, kMuEarth);
-  EXPECT_NEAR(back[0], el[0], 1e-12 * el[0]);
-  for (int k = 1; k < 6; ++k) EXPECT_NEAR(back[k], el[k], 1e-12) << "element " << k;
 }
 
 }  // namespace
