@@ -127,31 +127,6 @@ TEST(RoundTrip, SpecialGeometries) {
   }
 }
 
-TEST(CoeToRv, VisVivaAndAngularMomentum) {
-  std::mt19937_64 rng(5);
-  std::uniform_real_distribution<double> u(0.0, 1.0);
-  for (int n = 0; n < 2000; ++n) {
-    const double a = kAU * (0.3 + 3.0 * u(rng)), e = 0.95 * u(rng);
-    const double coe[6] = {a, e, kPi * u(rng), kTwoPi * u(rng), kTwoPi * u(rng), kTwoPi * u(rng)};
-    double rv[6];
-    rv_of(coe, rv);
-    EXPECT_LE(astro_test::rel_err(astro_test::energy(rv, kMuSun), -kMuSun / (2.0 * a)), 1e-12);
-    const double hz = rv[0] * rv[4] - rv[1] * rv[3];
-    const double h = std::sqrt(kMuSun * a * (1.0 - e * e));
-    EXPECT_LE(astro_test::rel_err(hz, h * std::cos(coe[2])), 1e-10);
-  }
-}
-
-TEST(Equinoctial, CoeToEeRefusesInclinationBeyondPi) {
-  const double coe[6] = {kAU, 0.1, kPi + 0.01, 0.1, 0.2, 0.3};
-  double ee[6];
-  fill_sentinel(ee);
-  int flag = -1;
-  coe2ee(flag, ee, coe, kMuSun);
-  EXPECT_EQ(flag, 0);
-  for (int k = 0; k < 6; ++k) EXPECT_EQ(ee[k], kSentinel);
-}
-
 TEST(Equinoctial, CoeToEeValidation) {
   const double good[6] = {kAU, 0.1, 0.5, 0.1, 0.2, 0.3};
   struct Case {
@@ -162,7 +137,7 @@ TEST(Equinoctial, CoeToEeValidation) {
   };
   const Case cases[] = {{0, -1.0, kMuSun, 0}, {1, -0.01, kMuSun, 0}, {2, -0.01, kMuSun, 0},
                         {2, kPi, kMuSun, 1},  {0, 0.0, kMuSun, 1},   {0, kAU, 0.0, 0},
-                        {0, NAN, kMuSun, 0},  {5, NAN, kMuSun, 0}};
+                        {0, NAN, kMuSun, 0},  {5, NAN, kMuSun, 0},     {2, kPi + 0.01, kMuSun, 0}};
   for (const Case& c : cases) {
     double coe[6], ee[6];
     std::memcpy(coe, good, sizeof coe);
@@ -172,7 +147,7 @@ TEST(Equinoctial, CoeToEeValidation) {
     coe2ee(flag, ee, coe, c.mu);
     EXPECT_EQ(flag, c.expected) << c.index << " " << c.value;
     if (c.expected == 0) {
-      EXPECT_EQ(ee[0], kSentinel);
+      for (int k = 0; k < 6; ++k) EXPECT_EQ(ee[k], kSentinel);
     }
   }
   // Hyperbola beyond its asymptote: e cos f < -1.
@@ -201,39 +176,6 @@ TEST(Equinoctial, RvToEeAgreesWithTheClassicalPath) {
     EXPECT_GE(ee[5], 0.0);
     EXPECT_LT(ee[5], kTwoPi);
     if (HasFailure()) return;
-  }
-}
-
-TEST(Equinoctial, EeRefusals) {
-  const double bad_p[6] = {0.0, 0.1, 0.1, 0.1, 0.1, 0.1};
-  const double good[6] = {kAU, 0.1, 0.1, 0.1, 0.1, 0.1};
-  double out[6];
-  int flag = -1;
-  fill_sentinel(out);
-  ee2coe(flag, out, bad_p, kMuSun);
-  EXPECT_EQ(flag, 0);
-  ee2rv(flag, out, bad_p, kMuSun);
-  EXPECT_EQ(flag, 0);
-  ee2coe(flag, out, good, -1.0);
-  EXPECT_EQ(flag, 0);
-  ee2rv(flag, out, good, 0.0);
-  EXPECT_EQ(flag, 0);
-  for (int k = 0; k < 6; ++k) EXPECT_EQ(out[k], kSentinel);
-}
-
-TEST(Equinoctial, OpenOrbitsComeBackBetweenTheAsymptotes) {
-  // ee2coe wraps the anomaly to one positive turn; an open orbit then takes it back to
-  // the branch before periapsis.
-  for (double e : {1.0, 2.0}) {
-    const double coe[6] = {kAU, e, 0.4, 0.5, 0.6, -100.0 * kDeg};
-    double ee[6], back[6];
-    int flag = -1;
-    coe2ee(flag, ee, coe, kMuSun);
-    ASSERT_EQ(flag, 1);
-    ee2coe(flag, back, ee, kMuSun);
-    ASSERT_EQ(flag, 1);
-    EXPECT_NEAR(back[5], -100.0 * kDeg, 1e-12) << e;
-    EXPECT_LE(astro_test::rel_err(back[0], kAU), 1e-12);
   }
 }
 

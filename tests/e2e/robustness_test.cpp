@@ -99,18 +99,6 @@ std::string with_nul(const char (&text)[N]) {
 constexpr int kFirstArcLine = 3;
 constexpr int kSecondPhaseClose = 14;
 
-TEST(Robustness, DemoLayoutAssumedByTheseTests) {
-  const std::vector<std::string>& lines = demo_scenario().lines;
-  EXPECT_EQ(tokens_of(lines.at(kFirstArcLine - 1)).size(), 6u);
-  EXPECT_EQ(tokens_of(lines.at(kSecondPhaseClose - 1)).size(), 6u);
-  EXPECT_EQ(tokens_of(lines.at(kSecondPhaseClose)).size(), 10u);
-  EXPECT_EQ(tokens_of(lines.at(3))[2], "64411.25");
-  EXPECT_EQ(tokens_of(lines.at(4))[2], "64412.25");
-  EXPECT_EQ(tokens_of(lines.at(5))[2], "64413.25");
-  EXPECT_EQ(tokens_of(lines.at(6))[2], "64414.25");
-  EXPECT_EQ(tokens_of(lines.at(7))[2], "64414.25");
-}
-
 // --- Files that are missing, unreadable, empty or blank ---------------------------
 
 TEST(Robustness, MissingOrUnreadableFiles) {

@@ -123,31 +123,9 @@ TEST(LowThrustForces, OverLimitThrustIsClampedForAccelerationAndMassFlow) {
   EXPECT_EQ(dy[1], 1.0);
 }
 
-TEST(LowThrustForces, CoastHasNoMassFlow) {
-  const double y[7] = {0.0, 2.0, 0.0, -0.7, 0.0, 0.1, 500.0};
-  double dy[7];
-  const double line[1] = {0.0};
-  TwoBodyDy(0.0, y, dy, line);
-  EXPECT_EQ(dy[6], 0.0);
-  EXPECT_EQ(dy[4], -0.25);  // 1 / r^2 toward the Sun
-  EXPECT_EQ(dy[3], 0.0);
-}
-
 // --- The 0.3 AU guard ---------------------------------------------------------------------
 
 const char* const kTail = ": The distance to the Sun of the mining ship is less than 0.3 AU.\n";
-
-TEST(SunDistanceGuard, CoastInsideLimitNamesTheLineAndTheNext) {
-  const double line[1] = {41.0};
-  double dy[7];
-  const double inside[7] = {0.0, 0.2999999, 0.0, 1.0, 0.0, 0.0, 500.0};
-  const auto o = capture([&] { TwoBodyDy(0.0, inside, dy, line); });
-  EXPECT_TRUE(o.ended);
-  EXPECT_EQ(o.status, 1);
-  EXPECT_EQ(o.out, std::string("Error101. Position Error between line 42 and line 43") + kTail);
-  const double at_limit[7] = {0.3, 0.0, 0.0, 1.0, 0.0, 0.0, 500.0};
-  EXPECT_FALSE(capture([&] { TwoBodyDy(0.0, at_limit, dy, line); }).ended);
-}
 
 TEST(SunDistanceGuard, ThrustInsideLimitNamesTheTableInterval) {
   // Six table points at t = 0..5 TU, reference line 100.
