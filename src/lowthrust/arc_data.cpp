@@ -47,7 +47,7 @@ class Walk {
   bool thrust_within_limit(long long i) {
     const double magnitude = lines_.magnitude(i);
     return f_.check(Rule::thrust_magnitude, !(magnitude > kThrustCapTested), magnitude,
-                    kThrustCap, {i + 1}, ship_, [&] {
+                    kThrustCapTested, {i + 1}, ship_, [&] {
                       std::ostringstream text;
                       text << "Error401. Thrust Magnitude Error on the line " << i + 1
                            << ": The thrust magnitude is " << magnitude

@@ -34,18 +34,6 @@ class CoutCapture {
   std::streambuf* old_;
 };
 
-// Counts the flushes that reach it, keeping the bytes.
-class FlushCountingBuffer : public std::stringbuf {
- public:
-  int flushes = 0;
-
- protected:
-  int sync() override {
-    ++flushes;
-    return std::stringbuf::sync();
-  }
-};
-
 std::string from_hex(const std::string& hex) {
   std::string out;
   for (size_t k = 0; k + 1 < hex.size(); k += 2) {
@@ -68,51 +56,6 @@ TEST(TrueAnomalyFlight, ParabolaOutsideHalfTurnPrintsTheGbkLine) {
     EXPECT_EQ(capture.text(), expected);
     EXPECT_EQ(flag, 0);
     EXPECT_EQ(f, f0);
-  }
-  // The line is flushed as it is written.
-  FlushCountingBuffer buffer;
-  std::streambuf* old = std::cout.rdbuf(&buffer);
-  int flag = -1;
-  f0dt2ft(flag, 4.0, 1000.0, 7000.0, 1.0, 398600.4418, 100, 1e-14);
-  std::cout.rdbuf(old);
-  EXPECT_EQ(buffer.str(), expected);
-  EXPECT_EQ(buffer.flushes, 1);
-}
-
-TEST(TrueAnomalyFlight, SilentOutsideTheParabolicMessage) {
-  CoutCapture capture;
-  int flag = -1;
-  f0dt2ft(flag, 3.0, 1000.0, 7000.0, 1.0, 398600.4418, 100, 1e-14);  // parabola inside
-  f0dt2ft(flag, 10.0, 1000.0, kAU, 0.3, kMuSun, 100, 1e-14);
-  f0dt2ft(flag, 3.0, 1000.0, kAU, 1.5, kMuSun, 100, 1e-14);  // beyond the asymptote
-  f0dt2ft(flag, 0.3, 1000.0, -1.0, 0.3, kMuSun, 100, 1e-14);
-  f0ft2dt(flag, 0.3, 0.2, kAU, 0.3, kMuSun);
-  EXPECT_EQ(capture.text(), "");
-}
-
-TEST(TrueAnomalyFlight, RefusalsReturnTheInitialAnomaly) {
-  struct Case {
-    double a, e, mu;
-    int max_iter;
-    double eps;
-  };
-  const Case cases[] = {{kAU, -0.1, kMuSun, 100, 1e-14}, {0.0, 0.3, kMuSun, 100, 1e-14},
-                        {kAU, 0.3, 0.0, 100, 1e-14},     {kAU, 0.3, kMuSun, 0, 1e-14},
-                        {kAU, 0.3, kMuSun, 100, 0.0},    {kAU, 1.5, kMuSun, 100, 1e-14}};
-  for (const Case& c : cases) {
-    int flag = -1;
-    EXPECT_EQ(f0dt2ft(flag, 2.5, 1.0e6, c.a, c.e, c.mu, c.max_iter, c.eps), 2.5);
-    EXPECT_EQ(flag, 0) << c.a << " " << c.e << " " << c.mu << " " << c.max_iter;
-  }
-}
-
-TEST(TrueAnomalyFlight, ZeroTimeReturnsTheStartInEveryBranch) {
-  for (double e : {0.0, 0.4, 1.0, 2.5}) {
-    for (double f0 : {-1.0, 0.0, 0.7}) {
-      int flag = -1;
-      EXPECT_NEAR(f0dt2ft(flag, f0, 0.0, kAU, e, kMuSun, 100, 1e-14), f0, 1e-13) << e;
-      EXPECT_EQ(flag, 1);
-    }
   }
 }
 
@@ -137,42 +80,6 @@ TEST(TrueAnomalyFlight, TimeOfFlightInvertsPropagation) {
     EXPECT_NEAR(f, ft, 1e-9) << "e=" << e << " a=" << a << " f0=" << f0 << " ft=" << ft;
     if (HasFailure()) return;
   }
-}
-
-TEST(TrueAnomalyFlight, TimeOfFlightRefusals) {
-  int flag = -1;
-  EXPECT_EQ(f0ft2dt(flag, 0.5, 0.4, kAU, 0.3, kMuSun), 0.0);
-  EXPECT_EQ(flag, 0);
-  const double beta = kPi - std::acos(1.0 / 1.5);
-  flag = -1;
-  EXPECT_EQ(f0ft2dt(flag, 0.0, beta + 0.01, kAU, 1.5, kMuSun), 0.0);
-  EXPECT_EQ(flag, 0);
-  flag = -1;
-  EXPECT_EQ(f0ft2dt(flag, -beta - 0.01, 0.0, kAU, 1.5, kMuSun), 0.0);
-  EXPECT_EQ(flag, 0);
-  for (double a : {0.0, -1.0}) {
-    flag = -1;
-    EXPECT_EQ(f0ft2dt(flag, 0.1, 0.2, a, 0.3, kMuSun), 0.0);
-    EXPECT_EQ(flag, 0);
-  }
-  flag = -1;
-  EXPECT_EQ(f0ft2dt(flag, 0.1, 0.2, kAU, -0.3, kMuSun), 0.0);
-  EXPECT_EQ(flag, 0);
-  flag = -1;
-  EXPECT_EQ(f0ft2dt(flag, 0.1, 0.2, kAU, 0.3, 0.0), 0.0);
-  EXPECT_EQ(flag, 0);
-}
-
-TEST(TrueAnomalyFlight, FullTurnTakesOnePeriodAndParabolaMatchesBarker) {
-  const double a = 1.3 * kAU, T = kTwoPi * std::sqrt(a * a * a / kMuSun);
-  int flag = -1;
-  EXPECT_LE(astro_test::rel_err(f0ft2dt(flag, -kPi, kPi, a, 0.6, kMuSun), T), 1e-13);
-  EXPECT_EQ(flag, 1);
-  // Periapsis to 90 degrees on a parabola: t = sqrt(2 q^3 / mu) (D + D^3 / 3), D = 1.
-  const double q = kAU;
-  EXPECT_LE(astro_test::rel_err(f0ft2dt(flag, 0.0, kPi / 2.0, q, 1.0, kMuSun),
-                                std::sqrt(2.0 * q * q * q / kMuSun) * 4.0 / 3.0),
-            1e-13);
 }
 
 // Propagated states against an independent fixed-step integration of the two-body
@@ -250,26 +157,6 @@ TEST(StatePropagation, OneFullPeriodReturnsToTheStart) {
     if (HasFailure()) return;
   }
   EXPECT_GT(checked, 1000);
-}
-
-TEST(StatePropagation, HyperbolicStatesConserveEnergyAndMomentum) {
-  std::mt19937_64 rng(1618);
-  for (int n = 0; n < 3000; ++n) {
-    double rv0[6], rv_t[6];
-    astro_test::random_state(rng, rv0);
-    if (astro_test::energy(rv0, kMuSun) <= 0.0) continue;
-    int flag = -1;
-    const double dt = 86400.0 * 200.0 * (n % 2 ? 1.0 : -1.0);
-    rv02rvf(flag, rv_t, rv0, dt, kMuSun);
-    ASSERT_EQ(flag, 1);
-    EXPECT_LE(
-        astro_test::rel_err(astro_test::energy(rv_t, kMuSun), astro_test::energy(rv0, kMuSun)),
-        1e-9);
-    const double hz0 = rv0[0] * rv0[4] - rv0[1] * rv0[3];
-    const double hzt = rv_t[0] * rv_t[4] - rv_t[1] * rv_t[3];
-    EXPECT_LE(std::fabs(hzt - hz0) / std::fabs(hz0 + 1.0e9), 1e-9);
-    if (HasFailure()) return;
-  }
 }
 
 TEST(StatePropagation, EquinoctialMatchesCartesian) {

@@ -2,9 +2,11 @@
 // change, with the whole stdout, the exit status and the score file asserted.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <set>
 
-#include "e2e/error_case.h"
+#include "support/error_case.h"
+#include "kavren/verify.h"
 #include "support/e2e.h"
 
 namespace kavren::test {
@@ -34,6 +36,33 @@ TEST_P(ErrorCases, WholeOutcome) {
   EXPECT_EQ(run.out, expected.out);
   EXPECT_EQ(run.status, expected.status);
   EXPECT_EQ(run.score, expected.score);
+
+  // The same files verified in memory, in both modes, give the checker's verdict; the
+  // first finding is the one it prints, and its margin says that the rule was violated.
+  if (!scenario.write_catalogue || !scenario.write_result || !scenario.args.empty() ||
+      scenario.prepare) {
+    return;
+  }
+  const Catalogue catalogue = Catalogue::from_text(scenario.catalogue);
+  for (Mode mode : {Mode::first, Mode::all}) {
+    Options options;
+    options.mode = mode;
+    options.workers = 2;
+    const Report report = verify(catalogue, scenario.result_text(), options);
+    EXPECT_EQ(report.checker_output, expected.out);
+    EXPECT_EQ(report.exit_status, expected.status);
+    EXPECT_EQ(report.score_file, expected.score);
+    ASSERT_FALSE(report.findings.empty());
+    const Finding& first = report.findings.front();
+    EXPECT_TRUE(first.first);
+    EXPECT_EQ(first.message, expected.out);
+    if (mode == Mode::first) {
+      EXPECT_EQ(report.findings.size(), 1u);
+    }
+    if (!first.quantity.empty() && !std::isnan(first.value)) {
+      EXPECT_LE(first.margin, 0.0) << first.code << " " << first.value << " " << first.limit;
+    }
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Messages, ErrorCases, ::testing::ValuesIn(all_cases()),

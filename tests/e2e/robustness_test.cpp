@@ -10,13 +10,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "e2e/error_case.h"
+#include "support/error_case.h"
 #include "support/e2e.h"
 
 namespace kavren::test {
@@ -99,18 +98,6 @@ std::string with_nul(const char (&text)[N]) {
 // phases, lines 3..8 and 9..14, each opened and closed by zero-thrust lines.
 constexpr int kFirstArcLine = 3;
 constexpr int kSecondPhaseClose = 14;
-
-TEST(Robustness, DemoLayoutAssumedByTheseTests) {
-  const std::vector<std::string>& lines = demo_scenario().lines;
-  EXPECT_EQ(tokens_of(lines.at(kFirstArcLine - 1)).size(), 6u);
-  EXPECT_EQ(tokens_of(lines.at(kSecondPhaseClose - 1)).size(), 6u);
-  EXPECT_EQ(tokens_of(lines.at(kSecondPhaseClose)).size(), 10u);
-  EXPECT_EQ(tokens_of(lines.at(3))[2], "64411.25");
-  EXPECT_EQ(tokens_of(lines.at(4))[2], "64412.25");
-  EXPECT_EQ(tokens_of(lines.at(5))[2], "64413.25");
-  EXPECT_EQ(tokens_of(lines.at(6))[2], "64414.25");
-  EXPECT_EQ(tokens_of(lines.at(7))[2], "64414.25");
-}
 
 // --- Files that are missing, unreadable, empty or blank ---------------------------
 
@@ -246,15 +233,8 @@ TEST(Robustness, LinesOfAMegabyte) {
                  0);
 }
 
-// Wall-clock seconds of one run; the limits below are generous (sanitizer builds, a
-// shared machine): they catch work that grows faster than the file, not slow disks.
-template <typename F>
-double seconds_of(F f) {
-  const auto start = std::chrono::steady_clock::now();
-  f();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
+// The three runs below are complexity guards: their CTest timeout (tests/CMakeLists.txt)
+// fails work that grows faster than the file.
 TEST(Robustness, AMillionArcLinesInOneArc) {
   // 333,333 thrust phases of three zero-thrust lines at the launch epoch, placed before
   // the first arc's own lines: each phase starts where the ship is (no coast) and lasts
@@ -265,10 +245,8 @@ TEST(Robustness, AMillionArcLinesInOneArc) {
   text.reserve(text.size() + 999999 * zero_line.size() + 64 * 1024);
   for (int k = 0; k < 999999; ++k) text += zero_line;
   for (std::size_t i = 2; i < demo.size(); ++i) text += demo[i] + "\n";
-  RunResult run;
-  const double seconds = seconds_of([&] { run = run_text(text, demo_scenario().catalogue); });
+  const RunResult run = run_text(text, demo_scenario().catalogue);
   expect_demo_outcome(run);
-  EXPECT_LT(seconds, 120.0);
 }
 
 TEST(Robustness, AMillionLinesAfterTheLastEvent) {
@@ -278,10 +256,8 @@ TEST(Robustness, AMillionLinesAfterTheLastEvent) {
   std::string text = joined(lines);
   const std::string tail_line = ship + "\t-1\t69807\t1e400\tnan\t-0\n";
   for (int k = 0; k < 1000000; ++k) text += tail_line;
-  RunResult run;
-  const double seconds = seconds_of([&] { run = run_text(text, demo_scenario().catalogue); });
+  const RunResult run = run_text(text, demo_scenario().catalogue);
   expect_demo_outcome(run);
-  EXPECT_LT(seconds, 120.0);
 }
 
 TEST(Robustness, HalfAMillionShips) {
@@ -293,13 +269,11 @@ TEST(Robustness, HalfAMillionShips) {
     const std::string id = ship % 2 == 0 ? "1" : "2";
     text += with_token(launch[0], 0, id) + "\n" + with_token(launch[1], 0, id) + "\n";
   }
-  RunResult run;
-  const double seconds = seconds_of([&] { run = run_text(text, demo_scenario().catalogue); });
+  const RunResult run = run_text(text, demo_scenario().catalogue);
   expect_outcome(run,
                  "Error301. Mining Ship Number Error: The number of Mining Ships is 500000, "
                  "greater than the appropriable maximum number 2.\n",
                  3);
-  EXPECT_LT(seconds, 120.0);
 }
 
 // --- Numbers -----------------------------------------------------------------------

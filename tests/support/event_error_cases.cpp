@@ -10,7 +10,7 @@
 #include <stdexcept>
 
 #include "astro/ephemeris.h"
-#include "e2e/error_case.h"
+#include "support/error_case.h"
 #include "support/e2e.h"
 
 namespace kavren::test {

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "e2e/error_case.h"
+#include "support/error_case.h"
 #include "support/e2e.h"
 
 namespace kavren::test {

@@ -59,6 +59,11 @@ std::string number(double x);
 // and whose token count is `count`; throws when there is none.
 int find_line(const std::vector<std::string>& lines, int id, int count = 10, int from = 0);
 
+// Moves asteroid `id` `km` along its track (its catalogue mean anomaly advanced by the
+// time it needs at the speed of line n, 0-based) and both lines n and n+1 of the rendezvous with it
+// by the same stretch of straight track.
+void move_along_track(Scenario& s, int id, int n, double km);
+
 // The case lists, one per family of messages.
 std::vector<ErrorCase> input_error_cases();     // Error000, ErrorA00-A02, A03:, A09-A23,
                                                 // Error001, Error002, Error005

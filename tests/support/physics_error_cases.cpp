@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "e2e/error_case.h"
+#include "support/error_case.h"
 
 namespace kavren::test {
 namespace {
@@ -280,36 +280,7 @@ void arc_state_cases(std::vector<ErrorCase>& cases) {
          // arc arrives 1500 km short.
          const int meet = event_line(s, 1017);
          require(meet == 816, "ship 5's last rendezvous");
-         double v[3], r[3];
-         for (int j = 0; j < 3; ++j) {
-           r[j] = value_at(s, meet, 3 + j);
-           v[j] = value_at(s, meet, 6 + j);
-         }
-         const double speed = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-         const double dt = 1500.0 / speed;  // seconds
-         for (int l = meet; l <= meet + 1; ++l) {
-           for (int j = 0; j < 3; ++j) set_token(s, l, 3 + j, number(r[j] + v[j] * dt));
-         }
-         // Catalogue row of asteroid 1017: line 1018 of the file (after the
-         // header); columns ID, epoch, a [AU], e, i, node, periapsis, M0 [deg].
-         std::vector<std::string> rows;
-         std::size_t begin = 0;
-         while (begin < s.catalogue.size()) {
-           std::size_t end = s.catalogue.find('\n', begin);
-           if (end == std::string::npos) end = s.catalogue.size();
-           rows.push_back(s.catalogue.substr(begin, end - begin));
-           begin = end + 1;
-         }
-         std::string& row = rows.at(1017);
-         std::vector<std::string> cols = tokens_of(row);
-         require(cols.size() == 8 && cols[0] == "1017", "catalogue row 1017");
-         const double a = std::stod(cols[2]) * 149597870.691;
-         const double mean_motion = std::sqrt(132712440018.0 / (a * a * a));
-         cols[7] = number(std::stod(cols[7]) + mean_motion * dt / 0.017453292519943295);
-         row.clear();
-         for (std::size_t j = 0; j < cols.size(); ++j) row += (j ? "\t" : "") + cols[j];
-         s.catalogue.clear();
-         for (const std::string& text : rows) s.catalogue += text + "\n";
+         move_along_track(s, 1017, meet - 1, 1500.0);
          return exits(mismatch("Error201", "Position", meet, "position", "1500 km", "1000 km"), 1);
        }});
   cases.push_back({"Error202_FlybyVelocityShifted", "Error202", [](Scenario& s) {

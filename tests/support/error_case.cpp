@@ -1,5 +1,6 @@
-#include "e2e/error_case.h"
+#include "support/error_case.h"
 
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -79,6 +80,38 @@ int find_line(const std::vector<std::string>& lines, int id, int count, int from
     }
   }
   throw std::runtime_error("no line with event ID " + std::to_string(id));
+}
+
+void move_along_track(Scenario& s, int id, int n, double km) {
+  double r[3], v[3];
+  for (int j = 0; j < 3; ++j) {
+    r[j] = std::stod(tokens_of(s.lines.at(n))[3 + j]);
+    v[j] = std::stod(tokens_of(s.lines.at(n))[6 + j]);
+  }
+  const double dt = km / std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);  // seconds
+  for (int l = n; l <= n + 1; ++l) {
+    for (int j = 0; j < 3; ++j) s.lines[l] = with_token(s.lines[l], 3 + j, number(r[j] + v[j] * dt));
+  }
+  // Catalogue row of the asteroid, after the header: ID, epoch, a [AU], e, i, node,
+  // periapsis, M0 [deg].
+  std::vector<std::string> rows;
+  std::size_t begin = 0;
+  while (begin < s.catalogue.size()) {
+    std::size_t end = s.catalogue.find('\n', begin);
+    if (end == std::string::npos) end = s.catalogue.size();
+    rows.push_back(s.catalogue.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  std::string& row = rows.at(static_cast<std::size_t>(id));
+  std::vector<std::string> cols = tokens_of(row);
+  if (cols.size() != 8 || cols[0] != std::to_string(id)) throw std::runtime_error("catalogue row");
+  const double a = std::stod(cols[2]) * 149597870.691;
+  const double mean_motion = std::sqrt(132712440018.0 / (a * a * a));
+  cols[7] = number(std::stod(cols[7]) + mean_motion * dt / 0.017453292519943295);
+  row.clear();
+  for (std::size_t j = 0; j < cols.size(); ++j) row += (j ? "\t" : "") + cols[j];
+  s.catalogue.clear();
+  for (const std::string& text : rows) s.catalogue += text + "\n";
 }
 
 }  // namespace kavren::test

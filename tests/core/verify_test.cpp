@@ -1,0 +1,161 @@
+// The findings core through its API: every independent fault of a scenario found in one
+// run, with the margin the fault alone gives; the constraint table of a valid solution;
+// the same report from many threads at once.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <thread>
+
+#include "support/error_case.h"
+#include "kavren/verify.h"
+
+namespace kavren::test {
+namespace {
+
+Report run(const Scenario& s, Mode mode, bool trajectories = false) {
+  Options options;
+  options.mode = mode;
+  options.workers = 2;
+  options.trajectories = trajectories;
+  return verify(Catalogue::from_text(s.catalogue), s.result_text(), options);
+}
+
+// The single-fault cases of the error table that edit one ship's lines in place: the
+// catalogue, the other lines and the file's length stay as the demo has them.
+struct Fault {
+  ErrorCase c;
+  Finding alone;  // what first mode finds with this fault alone
+};
+
+std::vector<Fault> ship_local_faults() {
+  const Scenario& demo = demo_scenario();
+  std::vector<Fault> faults;
+  std::vector<ErrorCase> cases = event_error_cases();
+  for (ErrorCase& c : physics_error_cases()) cases.push_back(std::move(c));
+  for (ErrorCase& c : cases) {
+    Scenario s = demo;
+    c.make(s);
+    if (s.catalogue != demo.catalogue || s.lines.size() != demo.lines.size() || s.prepare ||
+        !s.args.empty() || !s.result_suffix.empty()) {
+      continue;
+    }
+    const Report report = run(s, Mode::first);
+    if (report.findings.size() != 1 || report.findings[0].ship == 0) continue;
+    faults.push_back(Fault{std::move(c), report.findings[0]});
+  }
+  return faults;
+}
+
+TEST(AllMode, FindsEveryIndependentFaultWithItsOwnMargin) {
+  const std::vector<Fault> faults = ship_local_faults();
+  ASSERT_GE(faults.size(), 10u);
+  // Combinations of up to four faults in different ships, each fault used once.
+  std::vector<bool> used(faults.size(), false);
+  int combinations = 0;
+  for (std::size_t seed = 0; seed < faults.size(); ++seed) {
+    if (used[seed]) continue;
+    std::vector<std::size_t> chosen = {seed};
+    std::map<int, bool> ships = {{faults[seed].alone.ship, true}};
+    for (std::size_t k = seed + 1; k < faults.size() && chosen.size() < 4; ++k) {
+      if (used[k] || ships.count(faults[k].alone.ship)) continue;
+      chosen.push_back(k);
+      ships[faults[k].alone.ship] = true;
+    }
+    if (chosen.size() < 2) continue;
+    Scenario s = demo_scenario();
+    for (std::size_t k : chosen) {
+      used[k] = true;
+      faults[k].c.make(s);
+    }
+    const Report report = run(s, Mode::all);
+    EXPECT_FALSE(report.accepted);
+    for (std::size_t k : chosen) {
+      const Finding& alone = faults[k].alone;
+      bool found = false;
+      for (const Finding& f : report.findings) {
+        if (f.code != alone.code || f.lines != alone.lines || f.ship != alone.ship) continue;
+        found = true;
+        EXPECT_EQ(f.message, alone.message);
+        if (!std::isnan(alone.margin)) {
+          EXPECT_DOUBLE_EQ(f.margin, alone.margin) << f.code;
+        }
+      }
+      EXPECT_TRUE(found) << faults[k].c.name << " among " << chosen.size() << " faults";
+    }
+    ++combinations;
+  }
+  EXPECT_GE(combinations, 4);
+}
+
+TEST(Constraints, ValidDemoPassesEveryRuleWithRoomToSpare) {
+  const Report report = run(demo_scenario(), Mode::all, true);
+  ASSERT_TRUE(report.accepted);
+  EXPECT_TRUE(report.findings.empty());
+  EXPECT_GE(report.constraints.size(), 25u);
+  for (const Constraint& c : report.constraints) {
+    EXPECT_TRUE(c.passed) << c.rule;
+    EXPECT_GT(c.evaluations, 0u) << c.rule;
+    // Counts and steps of a full day may meet their limit exactly.
+    const bool exact = c.unit == "rendezvous" || c.unit == "miners" || c.unit == "ships" ||
+                       c.rule == "thrust.step_order" || c.rule == "thrust.step_length";
+    if (exact) {
+      EXPECT_GE(c.margin, 0.0) << c.rule;
+    } else {
+      EXPECT_GT(c.margin, 0.0) << c.rule << " worst " << c.worst << " limit " << c.limit;
+    }
+  }
+  // One trajectory per ship, from the launch to the last event, in time order.
+  ASSERT_EQ(report.trajectories.size(), static_cast<std::size_t>(report.summary.ships));
+  for (std::size_t s = 0; s < report.trajectories.size(); ++s) {
+    const std::vector<TrajectoryPoint>& points = report.trajectories[s].points;
+    ASSERT_GT(points.size(), 10u);
+    const EventMark& launch = report.summary.per_ship[s].events.front();
+    EXPECT_NEAR(points.front().epoch, launch.epoch, 1e-8);
+    for (std::size_t k = 1; k < points.size(); ++k) {
+      ASSERT_GE(points[k].epoch, points[k - 1].epoch - 1e-9) << "ship " << s + 1;
+      ASSERT_LE(points[k].thrust, 0.6 + 1e-12);
+    }
+  }
+}
+
+TEST(Concurrency, EightThreadsGiveIdenticalReports) {
+  Scenario s = demo_scenario();
+  // One fault, so that findings, constraints and the verdict all have something to say.
+  s.lines[1] = with_token(s.lines[1], 6, "1e3");
+  const Catalogue catalogue = Catalogue::from_text(s.catalogue);
+  const std::string text = s.result_text();
+  std::vector<Report> reports(8);
+  std::vector<std::thread> threads;
+  for (int k = 0; k < 8; ++k) {
+    threads.emplace_back([&, k] {
+      Options options;
+      options.mode = Mode::all;
+      options.workers = 1 + k % 3;
+      options.trajectories = true;
+      reports[k] = verify(catalogue, text, options);
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  for (const Report& r : reports) {
+    EXPECT_EQ(r.checker_output, reports[0].checker_output);
+    ASSERT_EQ(r.findings.size(), reports[0].findings.size());
+    for (std::size_t k = 0; k < r.findings.size(); ++k) {
+      EXPECT_EQ(r.findings[k].message, reports[0].findings[k].message);
+      EXPECT_EQ(r.findings[k].margin, reports[0].findings[k].margin);
+    }
+    ASSERT_EQ(r.constraints.size(), reports[0].constraints.size());
+    for (std::size_t k = 0; k < r.constraints.size(); ++k) {
+      EXPECT_EQ(r.constraints[k].worst, reports[0].constraints[k].worst);
+      EXPECT_EQ(r.constraints[k].evaluations, reports[0].constraints[k].evaluations);
+      EXPECT_EQ(r.constraints[k].line, reports[0].constraints[k].line);
+    }
+    ASSERT_EQ(r.trajectories.size(), reports[0].trajectories.size());
+    for (std::size_t k = 0; k < r.trajectories.size(); ++k) {
+      EXPECT_EQ(r.trajectories[k].points.size(), reports[0].trajectories[k].points.size());
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kavren::test
