@@ -18,9 +18,7 @@
 
 #include "kavren/report.h"
 #include "kavren/verify.h"
-#ifdef KAVREN_HAVE_REPORT_JSON
 #include "report_json.h"
-#endif
 
 namespace py = pybind11;
 
@@ -376,7 +374,6 @@ PYBIND11_MODULE(kavren, m) {
           "an empty list), shape (n, 9): epoch [MJD], x, y, z [km], vx, vy, vz [km/s],\n"
           "mass [kg], thrust magnitude [N], every accepted integration step in time order.")
       .def_readonly("statistics", &kavren::Report::statistics, "Work done.")
-#ifdef KAVREN_HAVE_REPORT_JSON
       .def(
           "to_dict",
           [](const kavren::Report& r) {
@@ -384,7 +381,6 @@ PYBIND11_MODULE(kavren, m) {
           },
           "The report as the JSON object kavren-report writes (statistics and trajectories\n"
           "left out; numbers that are not finite are None).")
-#endif
       .def("__repr__", &report_repr);
 
   m.def("verify", &run_verify, py::arg("solution"), py::arg("catalogue"),
