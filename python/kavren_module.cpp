@@ -142,7 +142,7 @@ std::string solution_bytes(const py::handle& solution) {
 }
 
 kavren::Catalogue load_catalogue(const py::object& path) {
-  const std::string name = py::str(py::module_::import("os").attr("fspath")(path));
+  const std::string name = py::str(py::module_::import("os").attr("fsdecode")(path));
   try {
     py::gil_scoped_release release;
     return kavren::Catalogue::from_file(name);

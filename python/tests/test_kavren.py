@@ -208,3 +208,16 @@ def test_trajectories_run_from_launch_to_the_last_event(demo, catalogue):
         assert np.linalg.norm(states[-1, 4:7] - arrival[4:7]) < 1e-6  # km/s
         assert states[-1, 7] == pytest.approx(arrival[7], abs=1e-6)  # kg
         assert math.isclose(report.summary.per_ship[ship - 1].launch_epoch, states[0, 0])
+
+
+def test_stubs_name_what_the_module_defines():
+    import ast
+    stubs = ast.parse((ROOT / "python" / "kavren.pyi").read_text())
+    public = lambda names: {n for n in names if not n.startswith("_")}
+    classes = {c.name: c for c in stubs.body if isinstance(c, ast.ClassDef)}
+    functions = {f.name for f in stubs.body if isinstance(f, ast.FunctionDef)}
+    assert public(dir(kavren)) == set(classes) | functions
+    for name, c in classes.items():
+        members = public(f.name for f in c.body if isinstance(f, ast.FunctionDef))
+        assert members == public(dir(getattr(kavren, name))), name
+        assert getattr(kavren, name).__doc__
