@@ -80,8 +80,8 @@ std::string constraint_repr(const kavren::Constraint& c) {
   out += ": " + std::to_string(c.evaluations) + " evaluations";
   if (c.violations > 0) out += ", " + std::to_string(c.violations) + " violated";
   if (c.evaluations > 0) {
-    out += "; worst " + c.quantity + " " + num(c.worst) + " " + c.relation + " " +
-           num(c.limit) + " " + c.unit + ", margin " + num(c.margin) + " " + c.unit;
+    out += "; worst " + c.quantity + " " + num(c.worst) + " " + c.unit + " (must be " +
+           c.relation + " " + num(c.limit) + "), margin " + num(c.margin) + " " + c.unit;
     if (c.line > 0) out += " at line " + std::to_string(c.line);
   }
   return out + ">";
