@@ -53,7 +53,8 @@ def main():
         report = kavren.verify(scaled(lines, phase, factor), catalogue, mode="all")
         # Every other arc of the solution ends where it says, so the position rule's worst
         # evaluation is this arc's end as soon as the thrust moves it.
-        rows = [c for c in report.constraints if "position" in c.rule and c.line == event_line]
+        rows = [c for c in report.constraints
+                if c.rule == "arc.end_position" and c.line == event_line]
         verdict = "accepted" if report.accepted else \
             "rejected: " + ", ".join(f.code for f in report.findings)
         if not rows:

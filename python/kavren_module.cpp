@@ -47,7 +47,8 @@ std::string quoted(const std::string& text) {
   return py::repr(py::str(text)).cast<std::string>();
 }
 
-std::string lines_text(const std::vector<int>& lines) {
+template <typename Line>
+std::string lines_text(const std::vector<Line>& lines) {
   if (lines.empty()) return "";
   std::string out = lines.size() == 1 ? " line " : " lines ";
   for (std::size_t k = 0; k < lines.size(); ++k) {
