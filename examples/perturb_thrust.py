@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Weakens one thrust phase step by step and prints how the end-position margin of its
-arc moves, the way an optimiser sees the rule it must satisfy.
+"""Weakens one thrust phase step by step and prints how the margins of its arc's end
+state (position and mass) move, the way an optimiser sees the rules it must satisfy.
 
     examples/perturb_thrust.py <folder> [step] [steps]
 
@@ -43,26 +43,24 @@ def main():
     catalogue = kavren.Catalogue(folder / "KAVREN_Asteroids_Data.txt")
     lines = (folder / "Result.txt").read_text().splitlines()
     phase, event = first_thrust_phase(lines)
-    event_line = event + 1
     print(f"thrust phase on lines {phase.start + 1}..{phase.stop}, "
-          f"its arc ends at the event on line {event_line}")
-    print(f"{'scale':>8} {'position error':>15} {'limit':>8} {'margin':>12} {'unit':<4} "
-          f"{'verdict'}")
+          f"its arc ends at the event on line {event + 1}")
+    # Every other arc of the solution ends where it says, so each end-state rule's worst
+    # evaluation is this arc's end as soon as the thrust moves it. The mass rule reacts
+    # first: a weaker thrust also burns less propellant.
+    rules = ("arc.end_position", "arc.end_mass")
+    print(f"{'scale':>8} " + " ".join(f"{r + ' (margin, line)':>36}" for r in rules) + "  verdict")
     for k in range(steps + 1):
         factor = 1.0 - k * step
         report = kavren.verify(scaled(lines, phase, factor), catalogue, mode="all")
-        # Every other arc of the solution ends where it says, so the position rule's worst
-        # evaluation is this arc's end as soon as the thrust moves it.
-        rows = [c for c in report.constraints
-                if c.rule == "arc.end_position" and c.line == event_line]
+        rows = {c.rule: c for c in report.constraints}
+        cells = []
+        for rule in rules:
+            c = rows[rule]
+            cells.append(f"{c.worst:>11.6g} {c.unit:<3}({c.margin:>+11.6g}, {c.line:>4})")
         verdict = "accepted" if report.accepted else \
             "rejected: " + ", ".join(f.code for f in report.findings)
-        if not rows:
-            print(f"{factor:>8.4f} {'(not the worst)':>15} {'':>8} {'':>12} {'':<4} {verdict}")
-            continue
-        c = rows[0]
-        print(f"{factor:>8.4f} {c.worst:>15.6g} {c.limit:>8.6g} {c.margin:>12.6g} "
-              f"{c.unit:<4} {verdict}")
+        print(f"{factor:>8.4f} " + " ".join(f"{cell:>36}" for cell in cells) + f"  {verdict}")
 
 
 if __name__ == "__main__":

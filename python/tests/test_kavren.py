@@ -95,10 +95,10 @@ def test_demo_is_accepted_with_its_summary(demo, catalogue):
         assert report.checker_output == expected_out
         assert report.score_file == (demo / "expected_ScoreData.txt").read_text()
         assert report.findings == [] and report.constraints
-        assert all(c.passed and c.violations == 0 and not c.margin < 0
-                   for c in report.constraints), report.constraints
+        assert all(c.passed and c.violations == 0 for c in report.constraints)
         s = report.summary
-        assert (s.ships, s.mined_asteroids, s.total_resource_mass) == (ships, asteroids, mass)
+        assert (s.ships, s.mined_asteroids) == (ships, asteroids)
+        assert s.total_resource_mass == pytest.approx(mass)
         assert [p.ship for p in s.per_ship] == list(range(1, ships + 1))
         assert sum(p.resources for p in s.per_ship) == pytest.approx(mass)
         assert "accepted" in repr(report)
