@@ -2,8 +2,8 @@
 sizes, every way of handing over a solution, bad calls, threads and trajectories.
 
 Run by CTest (python.pytest) with PYTHONPATH at the built module and KAVREN_SYNTH and
-KAVREN_CHECK naming the built programs; kavren-check itself is the reference for the
-verdict's text and exit status.
+KAVREN_CHECK naming the built programs; kavren-check itself gives the expected
+verdict text and exit status.
 """
 
 import json
@@ -148,13 +148,13 @@ def test_every_form_of_solution_gives_the_same_report(demo, catalogue, tmp_path,
     path.write_text(text)
     solution = {"str": text, "bytes": text.encode(), "bytearray": bytearray(text.encode()),
                 "path": path, "str path": os.fspath(path)}[form]
-    reference = kavren.verify(text, catalogue, mode="all").to_dict()
+    expected = kavren.verify(text, catalogue, mode="all").to_dict()
     if form == "str path":  # a str is the text itself, never a file name
-        assert kavren.verify(solution, catalogue, mode="all").to_dict() != reference
+        assert kavren.verify(solution, catalogue, mode="all").to_dict() != expected
     else:
-        assert kavren.verify(solution, catalogue, mode="all").to_dict() == reference
+        assert kavren.verify(solution, catalogue, mode="all").to_dict() == expected
     text_catalogue = kavren.Catalogue.from_text((demo / CATALOGUE).read_bytes())
-    assert kavren.verify(text, text_catalogue, mode="all").to_dict() == reference
+    assert kavren.verify(text, text_catalogue, mode="all").to_dict() == expected
 
 
 @pytest.mark.parametrize("call, error, words", [
@@ -177,14 +177,14 @@ def test_bad_calls_raise_clear_exceptions_and_print_nothing(demo, catalogue, cap
 def test_threads_verify_in_parallel_with_identical_reports(demo, catalogue):
     good = (demo / "Result.txt").read_text()
     bad, _ = multi_fault(good)
-    reference = {t: kavren.verify(t, catalogue, mode="all", threads=1).to_dict()
+    expected = {t: kavren.verify(t, catalogue, mode="all", threads=1).to_dict()
                  for t in (good, bad)}
     jobs = [(t, n) for t in (good, bad) for n in (1, 2, None)] * 3
     with ThreadPoolExecutor(max_workers=4) as pool:
         reports = list(pool.map(
             lambda job: kavren.verify(job[0], catalogue, mode="all", threads=job[1]), jobs))
     for (text, _), report in zip(jobs, reports):
-        assert report.to_dict() == reference[text]
+        assert report.to_dict() == expected[text]
 
 
 def test_trajectories_run_from_launch_to_the_last_event(demo, catalogue):
