@@ -1,0 +1,400 @@
+// The Python module `kavren`: loads a catalogue once and verifies solutions in memory,
+// returning the whole report (findings with their margins, one row per rule, warnings,
+// the summary and, on request, the states along every arc as NumPy arrays).
+//
+// The report objects are read-only views of the C++ values. Verification runs without
+// the interpreter lock, so threads of one Python process verify candidates in parallel.
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "kavren/report.h"
+#include "kavren/verify.h"
+#include "report_json.h"
+
+namespace py = pybind11;
+
+namespace {
+
+static_assert(offsetof(kavren::TrajectoryPoint, thrust) == 8 * sizeof(double),
+              "a trajectory point is nine doubles, epoch first and thrust last");
+
+const char* outcome_name(kavren::Outcome outcome) {
+  switch (outcome) {
+    case kavren::Outcome::verified: return "verified";
+    case kavren::Outcome::limit_reached: return "limit_reached";
+    case kavren::Outcome::out_of_memory: return "out_of_memory";
+  }
+  return "verified";
+}
+
+// A number for people: six significant digits, "nan" and "inf" as they are.
+std::string num(double x) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.6g", x);
+  return text;
+}
+
+std::string quoted(const std::string& text) {
+  return py::repr(py::str(text)).cast<std::string>();
+}
+
+template <typename Line>
+std::string lines_text(const std::vector<Line>& lines) {
+  if (lines.empty()) return "";
+  std::string out = lines.size() == 1 ? " line " : " lines ";
+  for (std::size_t k = 0; k < lines.size(); ++k) {
+    out += (k ? "," : "") + std::to_string(lines[k]);
+  }
+  return out;
+}
+
+std::string ship_text(int ship) {
+  return ship > 0 ? " ship " + std::to_string(ship) : "";
+}
+
+std::string finding_repr(const kavren::Finding& f) {
+  std::string out = "<kavren.Finding " + f.code + lines_text(f.lines) + ship_text(f.ship);
+  if (!f.quantity.empty()) {
+    out += ": " + f.quantity + " " + num(f.value) + " " + f.unit + ", limit " + num(f.limit) +
+           " " + f.unit + ", margin " + num(f.margin) + " " + f.unit;
+  } else {
+    std::string message = f.message;
+    while (!message.empty() && (message.back() == '\n' || message.back() == '\r')) {
+      message.pop_back();
+    }
+    out += ": " + message;
+  }
+  return out + ">";
+}
+
+std::string constraint_repr(const kavren::Constraint& c) {
+  std::string out = "<kavren.Constraint " + c.rule + (c.passed ? " passed" : " violated");
+  out += ": " + std::to_string(c.evaluations) + " evaluations";
+  if (c.violations > 0) out += ", " + std::to_string(c.violations) + " violated";
+  if (c.evaluations > 0) {
+    out += "; worst " + c.quantity + " " + num(c.worst) + " " + c.unit + " (must be " +
+           c.relation + " " + num(c.limit) + "), margin " + num(c.margin) + " " + c.unit;
+    if (c.line > 0) out += " at line " + std::to_string(c.line);
+  }
+  return out + ">";
+}
+
+std::string report_repr(const kavren::Report& r) {
+  if (r.outcome != kavren::Outcome::verified) {
+    return std::string("<kavren.Report ") + outcome_name(r.outcome) + ": " + r.error + ">";
+  }
+  std::size_t violated = 0;
+  for (const kavren::Constraint& c : r.constraints) violated += c.passed ? 0 : 1;
+  std::string out = "<kavren.Report ";
+  if (r.accepted) {
+    out += "accepted: " + std::to_string(r.summary.ships) + " ships, " +
+           std::to_string(r.summary.mined_asteroids) + " mined asteroids, " +
+           num(r.summary.total_resource_mass) + " kg";
+  } else {
+    out += "rejected, exit status " + std::to_string(r.exit_status) + ": " +
+           std::to_string(r.findings.size()) +
+           (r.findings.size() == 1 ? " finding" : " findings");
+    if (!r.findings.empty()) {
+      const kavren::Finding& f = r.findings.front();
+      out += ", first " + f.code + lines_text(f.lines) + ship_text(f.ship);
+    }
+  }
+  out += "; " + std::to_string(r.constraints.size()) + " constraints";
+  if (violated > 0) out += " (" + std::to_string(violated) + " violated)";
+  out += ", " + std::to_string(r.warnings.size()) +
+         (r.warnings.size() == 1 ? " warning" : " warnings");
+  if (!r.trajectories.empty()) {
+    out += ", " + std::to_string(r.trajectories.size()) + " trajectories";
+  }
+  return out + ">";
+}
+
+// The solution's bytes: str is the text itself, bytes and bytearray are its bytes, a
+// path-like object names a file to read.
+std::string solution_bytes(const py::handle& solution) {
+  if (py::isinstance<py::str>(solution)) return solution.cast<std::string>();
+  if (py::isinstance<py::bytes>(solution)) return solution.cast<std::string>();
+  if (py::isinstance<py::bytearray>(solution)) {
+    return std::string(py::reinterpret_borrow<py::bytearray>(solution));
+  }
+  if (py::hasattr(solution, "__fspath__")) {
+    py::object file = py::module_::import("io").attr("open")(solution, "rb");
+    py::object data;
+    try {
+      data = file.attr("read")();
+    } catch (...) {
+      file.attr("close")();
+      throw;
+    }
+    file.attr("close")();
+    return data.cast<std::string>();
+  }
+  throw py::type_error("solution must be the text (str or bytes) or a path (os.PathLike), not " +
+                       py::str(py::type::of(solution).attr("__name__")).cast<std::string>());
+}
+
+kavren::Catalogue load_catalogue(const py::object& path) {
+  const std::string name = py::str(py::module_::import("os").attr("fsdecode")(path));
+  try {
+    py::gil_scoped_release release;
+    return kavren::Catalogue::from_file(name);
+  } catch (const kavren::InputError& e) {
+    std::error_code ec;
+    const bool exists = std::filesystem::exists(name, ec);
+    PyErr_SetString(exists ? PyExc_OSError : PyExc_FileNotFoundError, e.what());
+    throw py::error_already_set();
+  }
+}
+
+kavren::Report run_verify(const py::object& solution, const kavren::Catalogue& catalogue,
+                          const std::string& mode, const std::optional<int>& threads,
+                          bool trajectories) {
+  kavren::Options options;
+  if (mode == "first") {
+    options.mode = kavren::Mode::first;
+  } else if (mode == "all") {
+    options.mode = kavren::Mode::all;
+  } else {
+    throw py::value_error("mode must be \"first\" or \"all\", not " + quoted(mode));
+  }
+  if (threads) {
+    if (*threads < 1) throw py::value_error("threads must be at least 1, or None for all cores");
+    options.workers = *threads;
+  }
+  options.trajectories = trajectories;
+  const std::string text = solution_bytes(solution);
+  py::gil_scoped_release release;
+  return kavren::verify(catalogue, text, options);
+}
+
+// One NumPy array per ship, shape (points, 9), viewing the report's own memory; the
+// array keeps the report alive and cannot be written.
+py::list trajectory_arrays(const py::object& self) {
+  const kavren::Report& report = self.cast<const kavren::Report&>();
+  py::list arrays;
+  for (const kavren::Trajectory& t : report.trajectories) {
+    const auto n = static_cast<py::ssize_t>(t.points.size());
+    const py::ssize_t row = static_cast<py::ssize_t>(sizeof(kavren::TrajectoryPoint));
+    py::array_t<double> array;
+    if (n == 0) {
+      array = py::array_t<double>(std::vector<py::ssize_t>{0, 9});
+    } else {
+      const double* data = &t.points.front().epoch;
+      array = py::array_t<double>({n, py::ssize_t{9}}, {row, py::ssize_t{sizeof(double)}}, data,
+                                  self);
+    }
+    array.attr("flags").attr("writeable") = false;
+    arrays.append(array);
+  }
+  return arrays;
+}
+
+py::tuple xyz(const double (&r)[3]) { return py::make_tuple(r[0], r[1], r[2]); }
+
+}  // namespace
+
+PYBIND11_MODULE(kavren, m) {
+  m.doc() =
+      "Verification of low-thrust asteroid-mining solutions in memory.\n\n"
+      "    import kavren\n"
+      "    catalogue = kavren.Catalogue(\"KAVREN_Asteroids_Data.txt\")\n"
+      "    report = kavren.verify(pathlib.Path(\"Result.txt\"), catalogue, mode=\"all\")\n"
+      "    for finding in report.findings:\n"
+      "        print(finding.code, finding.margin, finding.unit)\n\n"
+      "Load the catalogue once and reuse it; verify() releases the interpreter lock, so a\n"
+      "ThreadPoolExecutor verifies several candidates at once.";
+  m.attr("__version__") = kavren::version();
+
+  py::class_<kavren::Catalogue>(
+      m, "Catalogue",
+      "The asteroid catalogue: loaded once, immutable, shared by every verification.")
+      .def(py::init(&load_catalogue), py::arg("path"),
+           "Reads the catalogue file (str or os.PathLike). Raises FileNotFoundError when it\n"
+           "does not exist and OSError when it cannot be read.")
+      .def_static(
+          "from_text",
+          [](const py::object& text) {
+            std::string bytes;
+            if (py::isinstance<py::str>(text) || py::isinstance<py::bytes>(text)) {
+              bytes = text.cast<std::string>();
+            } else {
+              throw py::type_error("the catalogue text must be str or bytes");
+            }
+            py::gil_scoped_release release;
+            return kavren::Catalogue::from_text(bytes);
+          },
+          py::arg("text"),
+          "The catalogue from its text (str or bytes): a header line, then the records.\n"
+          "Never fails: rows a short or malformed text does not reach stay at zero.")
+      .def("__repr__", [](const kavren::Catalogue&) { return "<kavren.Catalogue>"; });
+
+  py::class_<kavren::Finding>(m, "Finding", "One violated rule, with its margin.")
+      .def_readonly("code", &kavren::Finding::code, "The message code, e.g. \"Error704\".")
+      .def_readonly("message", &kavren::Finding::message,
+                    "The exact text kavren-check prints for it, newline included.")
+      .def_readonly("lines", &kavren::Finding::lines,
+                    "1-based lines of the solution file it concerns.")
+      .def_readonly("ship", &kavren::Finding::ship, "1-based ordinal of the ship, 0 when none.")
+      .def_readonly("quantity", &kavren::Finding::quantity,
+                    "What was compared, e.g. \"position error to the asteroid\".")
+      .def_readonly("value", &kavren::Finding::value, "The value met (nan when none).")
+      .def_readonly("limit", &kavren::Finding::limit, "The limit it was held to (nan when none).")
+      .def_readonly("margin", &kavren::Finding::margin,
+                    "Signed distance to the limit in `unit`; negative means violated.")
+      .def_readonly("unit", &kavren::Finding::unit, "Unit of value, limit and margin.")
+      .def_readonly("first", &kavren::Finding::first, "True for the finding kavren-check prints.")
+      .def_readonly("exit_status", &kavren::Finding::exit_status,
+                    "kavren-check's exit status when this finding is the first.")
+      .def("__repr__", &finding_repr);
+
+  py::class_<kavren::Constraint>(m, "Constraint",
+                                 "One rule the solution was checked against, over all its "
+                                 "evaluations: the worst one and its margin.")
+      .def_readonly("rule", &kavren::Constraint::rule,
+                    "Stable identifier, e.g. \"rendezvous.position\".")
+      .def_readonly("code", &kavren::Constraint::code, "The message code of a violation.")
+      .def_readonly("quantity", &kavren::Constraint::quantity, "What is compared.")
+      .def_readonly("unit", &kavren::Constraint::unit, "Unit of worst, limit and margin.")
+      .def_readonly("relation", &kavren::Constraint::relation,
+                    "\"<=\", \">=\", \"<\" or \">\": `value relation limit` must hold.")
+      .def_readonly("evaluations", &kavren::Constraint::evaluations, "How often it was evaluated.")
+      .def_readonly("violations", &kavren::Constraint::violations, "How often it was violated.")
+      .def_readonly("worst", &kavren::Constraint::worst,
+                    "The value with the smallest margin (nan when never evaluated).")
+      .def_readonly("limit", &kavren::Constraint::limit, "The limit at that evaluation.")
+      .def_readonly("margin", &kavren::Constraint::margin, "Its margin; negative means violated.")
+      .def_readonly("line", &kavren::Constraint::line,
+                    "1-based line where the worst value was met, 0 when none.")
+      .def_readonly("ship", &kavren::Constraint::ship, "1-based ship of the worst value, 0: none.")
+      .def_readonly("passed", &kavren::Constraint::passed, "True when no evaluation violated it.")
+      .def("__repr__", &constraint_repr);
+
+  py::class_<kavren::Warning>(m, "Warning", "Something that passes only by accident of the rules.")
+      .def_readonly("kind", &kavren::Warning::kind,
+                    "\"nan-passes\", \"zero-length-thrust-step\", \"evaluation-budget\", "
+                    "\"near-limit\" or \"step-spans-thrust-points\".")
+      .def_readonly("message", &kavren::Warning::message, "One sentence for people.")
+      .def_readonly("lines", &kavren::Warning::lines, "1-based lines it concerns.")
+      .def_readonly("ship", &kavren::Warning::ship, "1-based ship, 0 when none.")
+      .def_readonly("rule", &kavren::Warning::rule, "The constraint concerned, when there is one.")
+      .def("__repr__", [](const kavren::Warning& w) {
+        return "<kavren.Warning " + w.kind + lines_text(w.lines) + ship_text(w.ship) + ": " +
+               w.message + ">";
+      });
+
+  py::class_<kavren::EventMark>(m, "EventMark", "An event of a ship as the file states it.")
+      .def_readonly("kind", &kavren::EventMark::kind,
+                    "\"launch\", \"flyby\", \"rendezvous\" or \"drop\" (an Earth flyby that "
+                    "drops).")
+      .def_readonly("body_id", &kavren::EventMark::body_id, "The body's identifier.")
+      .def_readonly("line", &kavren::EventMark::line, "1-based line of the event's first line.")
+      .def_readonly("epoch", &kavren::EventMark::epoch, "Epoch, MJD.")
+      .def_property_readonly(
+          "r", [](const kavren::EventMark& e) { return xyz(e.r); }, "Position (x, y, z), km.")
+      .def_readonly("mass", &kavren::EventMark::mass, "Mass, kg.")
+      .def("__repr__", [](const kavren::EventMark& e) {
+        return "<kavren.EventMark " + e.kind + " body " + std::to_string(e.body_id) + " line " +
+               std::to_string(e.line) + " epoch " + num(e.epoch) + " mass " + num(e.mass) + ">";
+      });
+
+  py::class_<kavren::ShipSummary>(m, "ShipSummary", "One ship's figures.")
+      .def_readonly("ship", &kavren::ShipSummary::ship, "1-based ordinal.")
+      .def_readonly("launch_epoch", &kavren::ShipSummary::launch_epoch, "Launch epoch, MJD.")
+      .def_readonly("final_mass", &kavren::ShipSummary::final_mass, "Final mass, kg.")
+      .def_readonly("miners", &kavren::ShipSummary::miners, "Miners left on asteroids.")
+      .def_readonly("resources", &kavren::ShipSummary::resources,
+                    "Resources collected at rendezvous, kg.")
+      .def_readonly("last_drop_epoch", &kavren::ShipSummary::last_drop_epoch,
+                    "Epoch of the last Earth drop, MJD; nan without one.")
+      .def_readonly("thrust_phases", &kavren::ShipSummary::thrust_phases, "Thrust phases flown.")
+      .def_readonly("events", &kavren::ShipSummary::events, "The ship's events, in file order.")
+      .def("__repr__", [](const kavren::ShipSummary& s) {
+        return "<kavren.ShipSummary ship " + std::to_string(s.ship) + ": " +
+               std::to_string(s.miners) + " miners, " + num(s.resources) + " kg collected, " +
+               std::to_string(s.thrust_phases) + " thrust phases, final mass " +
+               num(s.final_mass) + " kg>";
+      });
+
+  py::class_<kavren::Summary>(m, "Summary", "The solution's figures.")
+      .def_readonly("ships", &kavren::Summary::ships, "Number of mining ships.")
+      .def_readonly("mined_asteroids", &kavren::Summary::mined_asteroids,
+                    "Number of mined asteroids.")
+      .def_readonly("total_resource_mass", &kavren::Summary::total_resource_mass,
+                    "Total resource mass, kg.")
+      .def_readonly("per_ship", &kavren::Summary::per_ship, "One ShipSummary per ship.")
+      .def("__repr__", [](const kavren::Summary& s) {
+        return "<kavren.Summary " + std::to_string(s.ships) + " ships, " +
+               std::to_string(s.mined_asteroids) + " mined asteroids, " +
+               num(s.total_resource_mass) + " kg>";
+      });
+
+  py::class_<kavren::Statistics>(m, "Statistics",
+                                 "Work done (not part of the verdict: depends on the options).")
+      .def_readonly("derivative_evaluations", &kavren::Statistics::derivative_evaluations,
+                    "Derivative evaluations of the integrations.")
+      .def_readonly("arcs", &kavren::Statistics::arcs, "Burning arcs integrated.")
+      .def_readonly("lines", &kavren::Statistics::lines, "Lines of the solution read.");
+
+  py::class_<kavren::Report>(m, "Report", "What one verification of a solution finds.")
+      .def_property_readonly(
+          "outcome", [](const kavren::Report& r) { return outcome_name(r.outcome); },
+          "\"verified\", \"limit_reached\" or \"out_of_memory\".")
+      .def_readonly("error", &kavren::Report::error,
+                    "The reason when the outcome is not \"verified\".")
+      .def_readonly("checker_output", &kavren::Report::checker_output,
+                    "The text kavren-check prints.")
+      .def_readonly("exit_status", &kavren::Report::exit_status, "kavren-check's exit status.")
+      .def_property_readonly(
+          "score_file",
+          [](const kavren::Report& r) -> py::object {
+            if (!r.score_file) return py::none();
+            return py::str(*r.score_file);
+          },
+          "The text of ScoreData.txt when the check writes it, else None.")
+      .def_readonly("accepted", &kavren::Report::accepted,
+                    "True when there is no finding (\"Check successfully!\").")
+      .def_readonly("findings", &kavren::Report::findings,
+                    "Every violated rule in the order the checks meet it (only the first in "
+                    "mode \"first\").")
+      .def_readonly("constraints", &kavren::Report::constraints,
+                    "One row per rule, in the order of the checks.")
+      .def_readonly("warnings", &kavren::Report::warnings, "Things that pass only by accident.")
+      .def_readonly("summary", &kavren::Report::summary, "The solution's figures.")
+      .def_property_readonly(
+          "trajectories", &trajectory_arrays,
+          "One read-only NumPy array per ship when verify() was asked for trajectories (else\n"
+          "an empty list), shape (n, 9): epoch [MJD], x, y, z [km], vx, vy, vz [km/s],\n"
+          "mass [kg], thrust magnitude [N], every accepted integration step in time order.")
+      .def_readonly("statistics", &kavren::Report::statistics, "Work done.")
+      .def(
+          "to_dict",
+          [](const kavren::Report& r) {
+            return py::module_::import("json").attr("loads")(kavren::report_to_json(r));
+          },
+          "The report as the JSON object kavren-report writes (statistics and trajectories\n"
+          "left out; numbers that are not finite are None).")
+      .def("__repr__", &report_repr);
+
+  m.def("verify", &run_verify, py::arg("solution"), py::arg("catalogue"),
+        py::arg("mode") = "first", py::arg("threads") = py::none(),
+        py::arg("trajectories") = false,
+        "Verifies one solution and returns its Report.\n\n"
+        "solution: the text of a Result.txt file (str or bytes), or the path of one\n"
+        "  (os.PathLike, e.g. pathlib.Path).\n"
+        "catalogue: a Catalogue.\n"
+        "mode: \"first\" stops at the first violation, as kavren-check does; \"all\" reports\n"
+        "  every violation of every event, arc and ship.\n"
+        "threads: workers integrating the arcs; None uses one per core. The report does not\n"
+        "  depend on it.\n"
+        "trajectories: keep the states along every arc (Report.trajectories).\n\n"
+        "The interpreter lock is released while it runs.");
+}
