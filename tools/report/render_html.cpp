@@ -25,8 +25,8 @@ constexpr double kSunDistanceFloorAu = 0.3;
 constexpr std::size_t kMaxFindingsShown = 2000;
 constexpr std::size_t kMaxLinesQuoted = 6;
 // Samples kept per ship: the orbit plot, and min-max buckets of each time plot.
-constexpr std::size_t kOrbitSamples = 1500;
-constexpr std::size_t kTimeBuckets = 400;
+constexpr std::size_t kOrbitSamples = 800;
+constexpr std::size_t kTimeBuckets = 300;
 
 std::string escape(std::string_view text) {
   std::string out;
