@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -197,6 +198,7 @@ int run(const Settings& settings) {
   const int workers_per_file = static_cast<int>(std::max(1u, budget / parallel_files));
 
   Progress progress(isatty(STDERR_FILENO) != 0, checked.size());
+  std::vector<std::exception_ptr> failures(checked.size());
   std::atomic<std::size_t> next{0};
   auto worker = [&] {
     for (std::size_t k = next++; k < checked.size(); k = next++) {
@@ -208,7 +210,14 @@ int run(const Settings& settings) {
         progress.update(k, done, total);
       };
       const auto start = std::chrono::steady_clock::now();
-      checked[k].report = kavren::verify(catalogue, checked[k].text, options);
+      try {
+        checked[k].report = kavren::verify(catalogue, checked[k].text, options);
+      } catch (const std::bad_alloc&) {
+        checked[k].report.outcome = kavren::Outcome::out_of_memory;
+        checked[k].report.error = "memory could not be had";
+      } catch (...) {
+        failures[k] = std::current_exception();
+      }
       checked[k].seconds =
           std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     }
@@ -218,6 +227,16 @@ int run(const Settings& settings) {
   worker();
   for (std::thread& t : pool) t.join();
   progress.finish();
+  for (std::size_t k = 0; k < checked.size(); ++k) {
+    if (!failures[k]) continue;
+    try {
+      std::rethrow_exception(failures[k]);
+    } catch (const std::exception& e) {
+      throw Failure("cannot verify " + shown(checked[k].name) + ": " + e.what());
+    } catch (...) {
+      throw Failure("cannot verify " + shown(checked[k].name));
+    }
+  }
 
   // The outputs are built whole, then written.
   if (!settings.json_path.empty()) {
