@@ -86,10 +86,10 @@ check demo "accepted" 'class="badge ok"' 1
 
 mkdir -p "$work/faults"
 cp "$work/demo/KAVREN_Asteroids_Data.txt" "$work/faults/"
-# Moves the first and the fifth rendezvous (both lines) by 5000 km and sets the first
-# thrusting line of the file to 0.7 N.
-awk 'BEGIN { FS = OFS = "\t" }
-     NF == 10 && $2 > 0 { if (++pairline % 2 == 1) visit++; if (visit == 1 || visit == 5) $4 += 5000 }
+# Moves the first and the fortieth rendezvous (both lines, different ships) by 5000 km and
+# sets the first thrusting line of the file to 0.7 N.
+awk 'BEGIN { FS = OFS = "\t"; OFMT = CONVFMT = "%.17g" }
+     NF == 10 && $2 > 0 { if (++pairline % 2 == 1) visit++; if (visit == 1 || visit == 40) $4 += 5000 }
      NF == 6 && !thrust && ($4 != 0 || $5 != 0 || $6 != 0) { $4 = 0.7; $5 = 0; $6 = 0; thrust = 1 }
      { print }' "$work/demo/Result.txt" >"$work/faults/Result.txt"
 set +e
