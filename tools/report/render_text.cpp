@@ -121,7 +121,8 @@ void constraints_section(std::string& out, const Report& r, const Painter& paint
     std::string where = c.line > 0 ? "line " + std::to_string(c.line) : "-";
     if (c.ship > 0) where += ", ship " + std::to_string(c.ship);
     rows.push_back({c.rule, c.code, std::to_string(c.evaluations), with_unit(c.worst, c.unit),
-                    where, c.relation + " " + with_unit(c.limit, c.unit),
+                    where,
+                    std::isfinite(c.limit) ? c.relation + " " + with_unit(c.limit, c.unit) : "—",
                     with_unit(c.margin, c.unit),
                     c.passed ? "pass" : "FAIL (" + std::to_string(c.violations) + ")"});
   }
