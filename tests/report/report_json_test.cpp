@@ -7,7 +7,6 @@
 #include <fstream>
 #include <limits>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -25,11 +24,11 @@ using nlohmann::ordered_json;
 std::vector<std::string> documented_fields() {
   std::ifstream page(std::string(KAVREN_SOURCE_DIR) + "/docs/report-schema.md");
   std::vector<std::string> fields;
-  const std::regex row(R"(^\| `([a-z_\[\].]+)` \|)");
   std::string line;
-  std::smatch match;
   while (std::getline(page, line)) {
-    if (std::regex_search(line, match, row)) fields.push_back(match[1]);
+    if (line.rfind("| `", 0) != 0) continue;
+    const std::size_t end = line.find("` |", 3);
+    if (end != std::string::npos) fields.push_back(line.substr(3, end - 3));
   }
   return fields;
 }
