@@ -7,8 +7,9 @@
 #include <cstdio>
 #include <vector>
 
-#include "lowthrust/arc_checks.h"
-#include "lowthrust/arc_propagation.h"
+#include "astro/constants.h"
+#include "lowthrust/arc_data.h"
+#include "lowthrust/arc_integration.h"
 #include "lowthrust/dynamics.h"
 
 namespace {
@@ -59,12 +60,21 @@ int main() {
 
   // Whole arcs.
   const int runs = 20;
+  kavren::ArcPhases phases;
+  phases.count = count;
+  phases.starts = starts;
+  phases.ends = ends;
+  std::uint64_t evaluations = 0;
   double reached[7];
-  kavren::reset_derivative_evaluations();
   const auto start = Clock::now();
-  for (int run = 0; run < runs; ++run) kavren::integrate_arc(arc, count, starts, ends, reached);
+  for (int run = 0; run < runs; ++run) {
+    kavren::Findings findings(false);
+    kavren::ArcIntegration integration;
+    kavren::integrate_and_compare(arc, phases, findings, integration);
+    evaluations += integration.evaluations;
+    for (int k = 0; k < 7; ++k) reached[k] = integration.reached[k];
+  }
   const double elapsed = seconds_since(start);
-  const std::uint64_t evaluations = kavren::derivative_evaluations();
   std::printf("arc: %d phase(s), %d thrust lines, %.1f ms per arc, %llu evaluations per arc\n",
               count, kThrustLines, 1e3 * elapsed / runs,
               static_cast<unsigned long long>(evaluations / runs));
@@ -87,17 +97,17 @@ int main() {
   double sink = 0.0;
   for (int mode = 0; mode < 2; ++mode) {
     const bool ordered = mode == 0;
-    std::vector<double> copy = block;  // a fresh block is scanned unless vouched for
-    const kavren::OrderedThrustTable vouch(ordered ? copy.data() : block.data());
+    kavren::ThrustModel model;
+    model.table = kavren::thrust_table_of(block.data(), ordered);
     const auto begin = Clock::now();
     for (int i = 0; i < calls; ++i) {
       // Stride through the year so that successive calls land on different intervals.
       const double t = t0 + span * static_cast<double>((static_cast<long long>(i) * 7919) % calls) / calls;
-      LowThrustDy(t, y, dy, copy.data());
+      model(t, y, dy);
       sink += dy[6];
     }
-    std::printf("call: %.1f ns per LowThrustDy (%s)\n", 1e9 * seconds_since(begin) / calls,
-                ordered ? "bisection" : "scan from the start");
+    std::printf("call: %.1f ns per evaluation (%s)\n", 1e9 * seconds_since(begin) / calls,
+                ordered ? "ordered table, bisection" : "table scanned from the start");
   }
   return sink == 0.0 ? 1 : 0;
 }

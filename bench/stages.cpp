@@ -1,94 +1,59 @@
-// Times every stage of one verification run on the files of a folder (default: the
-// working directory), in process, and reports peak resident memory.
-// Usage: bench_stages [folder] [repetitions]
+// Times every stage of one verification of the files in a folder (default: the working
+// directory), in process, then the whole verify call and kavren-check run as a child
+// process in that folder; reports derivative evaluations and peak resident memory.
+// Usage: bench_stages [folder] [repetitions] [mode: first|all|trajectories]
+// Arc workers: KAVREN_THREADS, as kavren-check.
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
-#include <iostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "lowthrust/arc_checks.h"
-#include "lowthrust/arc_scheduler.h"
-#include "lowthrust/dynamics.h"
+#include "app/driver.h"
+#include "core/ship_checks.h"
+#include "kavren/verify.h"
+#include "lowthrust/arc_stage.h"
 #include "mining/ledger.h"
 #include "mining/score.h"
-#include "readers/catalogue.h"
+#include "readers/file_bytes.h"
 #include "readers/solution_reader.h"
-#include "records/termination.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-double seconds_since(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
+double ms_since(Clock::time_point start) {
+  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
 struct StageTimes {
-  double catalogue = 0, solution = 0, events = 0, ledger = 0, arcs = 0, score = 0;
-  double arcs_cpu = 0;           // CPU seconds of all arc workers
-  std::uint64_t evaluations = 0;  // derivative evaluations of the arc stage
+  double catalogue = 0, solution = 0, events = 0, ledger = 0, arcs = 0, count = 0;
+  double verify = 0, process = 0;
+  std::uint64_t evaluations = 0;
 };
-
-double cpu_seconds() {
-  struct rusage usage {};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_utime.tv_sec + usage.ru_utime.tv_usec * 1e-6 + usage.ru_stime.tv_sec +
-         usage.ru_stime.tv_usec * 1e-6;
-}
-
-// One run, stage by stage; false when a stage rejected the solution.
-bool run_once(StageTimes& times) {
-  auto t0 = Clock::now();
-  ReadAsteroidsData("KAVREN_Asteroids_Data.txt");
-  times.catalogue = seconds_since(t0);
-
-  std::vector<ShipClass> ships;
-  int num_ships = 0;
-  t0 = Clock::now();
-  bool ok = ReadSolutionFile(ships, num_ships, "Result.txt");
-  times.solution = seconds_since(t0);
-  if (!ok) return false;
-
-  t0 = Clock::now();
-  for (int i = 0; i < num_ships && ok; ++i) ok = ships[i].check_all();
-  times.events = seconds_since(t0);
-  if (!ok) return false;
-
-  std::vector<DmStructAsteroid> table(kavren::kNumAsteroids);
-  std::vector<StoreDmStruct> store;
-  t0 = Clock::now();
-  ok = CheckVisitDm(ships, num_ships, table, store);
-  times.ledger = seconds_since(t0);
-  if (!ok) return false;
-
-  t0 = Clock::now();
-  const double cpu0 = cpu_seconds();
-  ok = CheckBuringArc(ships);
-  times.arcs = seconds_since(t0);
-  times.arcs_cpu = cpu_seconds() - cpu0;
-  times.evaluations = kavren::last_arc_stage_evaluations();
-  if (!ok) return false;
-
-  double total = 0.0;
-  t0 = Clock::now();
-  ok = Test_MotherShipNum(num_ships, store, total) && Output_Solution(store);
-  times.score = seconds_since(t0);
-  clear_info();
-  return ok;
-}
 
 double median(std::vector<double> v) {
   std::sort(v.begin(), v.end());
   return v.empty() ? 0.0 : v[v.size() / 2];
+}
+
+// kavren-check in the working directory, output discarded; milliseconds of wall time.
+double run_checker(const char* binary) {
+  const auto start = Clock::now();
+  const pid_t pid = fork();
+  if (pid == 0) {
+    std::freopen("/dev/null", "w", stdout);
+    execl(binary, binary, static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return ms_since(start);
 }
 
 }  // namespace
@@ -99,51 +64,92 @@ int main(int argc, char** argv) {
     return 2;
   }
   const int repetitions = argc > 2 ? std::max(1, std::atoi(argv[2])) : 5;
+  const std::string mode = argc > 3 ? argv[3] : "first";
+  kavren::Options options;
+  options.workers = kavren::workers_from_environment();
+  options.mode = mode == "first" ? kavren::Mode::first : kavren::Mode::all;
+  options.trajectories = mode == "trajectories";
+  // kavren-check beside this program's folder: build/<preset>/bench/.. .
+  std::string self = argv[0];
+  const std::string checker = self.substr(0, self.rfind('/') + 1) + "../kavren-check";
+
+  std::string text;
+  kavren::read_file_bytes("Result.txt", text);
   std::vector<StageTimes> runs;
-  std::ostringstream silenced;
-  auto* saved = std::cout.rdbuf(silenced.rdbuf());
   bool accepted = true;
   for (int r = 0; r < repetitions; ++r) {
-    StageTimes times;
-    try {
-      accepted = run_once(times) && accepted;
-    } catch (const kavren::Termination&) {
-      accepted = false;
+    StageTimes t;
+    auto t0 = Clock::now();
+    const kavren::Catalogue catalogue = kavren::Catalogue::from_file("KAVREN_Asteroids_Data.txt");
+    t.catalogue = ms_since(t0);
+
+    kavren::Findings findings(options.mode == kavren::Mode::first);
+    std::vector<ShipClass> ships;
+    int num_ships = 0;
+    t0 = Clock::now();
+    kavren::read_solution(text, ships, num_ships, findings);
+    t.solution = ms_since(t0);
+    t0 = Clock::now();
+    for (ShipClass& ship : ships) {
+      kavren::EventContext context{findings, catalogue.table().rows(), ship.ship_id};
+      kavren::check_ship(ship, context);
     }
-    runs.push_back(times);
+    t.events = ms_since(t0);
+    std::vector<DmStructAsteroid> table(kavren::kNumAsteroids);
+    std::vector<StoreDmStruct> store;
+    t0 = Clock::now();
+    kavren::check_mining_ledger(ships, num_ships, table, store, findings);
+    t.ledger = ms_since(t0);
+    kavren::ArcStageOptions arc_options;
+    arc_options.workers = options.workers;
+    arc_options.trajectories = options.trajectories;
+    arc_options.inspect_steps = options.mode == kavren::Mode::all;
+    kavren::ArcStageResult arcs;
+    t0 = Clock::now();
+    kavren::check_arcs(ships, findings, arc_options, arcs);
+    t.arcs = ms_since(t0);
+    t.evaluations = arcs.evaluations;
+    double total = 0.0;
+    t0 = Clock::now();
+    kavren::check_ship_count(num_ships, store, total, findings);
+    t.count = ms_since(t0);
+
+    t0 = Clock::now();
+    const kavren::Report report = kavren::verify(catalogue, text, options);
+    t.verify = ms_since(t0);
+    accepted = accepted && report.accepted;
+    t.process = run_checker(checker.c_str());
+    runs.push_back(t);
   }
-  std::cout.rdbuf(saved);
 
   auto column = [&](double StageTimes::*field) {
     std::vector<double> v;
     for (const StageTimes& t : runs) v.push_back(t.*field);
     return median(v);
   };
-  long file_bytes = 0;
-  if (FILE* f = std::fopen("Result.txt", "rb")) {
-    std::fseek(f, 0, SEEK_END);
-    file_bytes = std::ftell(f);
-    std::fclose(f);
-  }
-  const double solution_s = column(&StageTimes::solution);
+  const double mb = static_cast<double>(text.size()) / 1e6;
+  const double stages = column(&StageTimes::catalogue) + column(&StageTimes::solution) +
+                        column(&StageTimes::events) + column(&StageTimes::ledger) +
+                        column(&StageTimes::arcs) + column(&StageTimes::count);
   struct rusage usage {};
   getrusage(RUSAGE_SELF, &usage);
-  std::printf("verdict            %s\n", accepted ? "accepted" : "rejected (see stage output)");
-  std::printf("solution file      %.1f MB\n", file_bytes / 1e6);
+  std::printf("verdict            %s\n", accepted ? "accepted" : "rejected");
+  std::printf("solution file      %.1f MB, mode %s, %d arc worker(s)\n", mb, mode.c_str(),
+              options.workers);
   std::printf("median of %d runs (ms):\n", repetitions);
-  std::printf("  catalogue        %9.2f\n", 1e3 * column(&StageTimes::catalogue));
-  std::printf("  solution         %9.2f  (%.0f MB/s)\n", 1e3 * solution_s,
-              solution_s > 0 ? file_bytes / 1e6 / solution_s : 0.0);
-  std::printf("  event checks     %9.2f\n", 1e3 * column(&StageTimes::events));
-  std::printf("  mining ledger    %9.2f\n", 1e3 * column(&StageTimes::ledger));
-  std::printf("  burning arcs     %9.2f\n", 1e3 * column(&StageTimes::arcs));
-  std::printf("  ship count+score %9.2f\n", 1e3 * column(&StageTimes::score));
-  const std::uint64_t evaluations = runs.empty() ? 0 : runs.back().evaluations;
-  const double arcs_cpu = column(&StageTimes::arcs_cpu);
-  std::printf("arc workers        %d\n", kavren::arc_worker_count());
-  std::printf("derivative evals   %llu\n", static_cast<unsigned long long>(evaluations));
-  std::printf("CPU per evaluation %.1f ns (arc stage CPU time, integrator included)\n",
-              evaluations ? 1e9 * arcs_cpu / static_cast<double>(evaluations) : 0.0);
-  std::printf("peak resident      %.1f MB\n", usage.ru_maxrss / 1024.0);
+  std::printf("  catalogue        %9.2f\n", column(&StageTimes::catalogue));
+  std::printf("  solution         %9.2f  (%.0f MB/s)\n", column(&StageTimes::solution),
+              mb / (column(&StageTimes::solution) / 1e3));
+  std::printf("  event checks     %9.2f\n", column(&StageTimes::events));
+  std::printf("  mining ledger    %9.2f\n", column(&StageTimes::ledger));
+  std::printf("  burning arcs     %9.2f\n", column(&StageTimes::arcs));
+  std::printf("  ship count       %9.2f\n", column(&StageTimes::count));
+  std::printf("  stages together  %9.2f\n", stages);
+  std::printf("  verify call      %9.2f  (catalogue excluded)\n", column(&StageTimes::verify));
+  std::printf("  kavren-check     %9.2f  (whole process; %.2f outside the stages)\n",
+              column(&StageTimes::process), column(&StageTimes::process) - stages);
+  std::printf("derivative evals   %llu\n",
+              static_cast<unsigned long long>(runs.empty() ? 0 : runs.back().evaluations));
+  std::printf("peak resident      %.1f MB (this program)\n", usage.ru_maxrss / 1024.0);
   return accepted ? 0 : 1;
 }

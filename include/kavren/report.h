@@ -18,7 +18,7 @@ inline constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 struct Finding {
   std::string code;         // "Error704", "ErrorA03" ...
   std::string message;      // the exact text kavren-check prints for it, newline included
-  std::vector<int> lines;   // 1-based lines of the solution file it concerns
+  std::vector<long long> lines;  // 1-based lines of the solution file it concerns
   int ship = 0;             // 1-based ordinal of the ship, 0 when none
   std::string quantity;     // what was compared, e.g. "position error to the asteroid"
   double value = kNotANumber;
@@ -41,7 +41,7 @@ struct Constraint {
   double worst = kNotANumber;   // the value with the smallest margin (NaN: none evaluated)
   double limit = kNotANumber;   // the limit at that evaluation
   double margin = kNotANumber;  // its margin
-  int line = 0;                 // where the worst value was met (1-based, 0: none)
+  long long line = 0;           // where the worst value was met (1-based, 0: none)
   int ship = 0;
   bool passed = true;           // no evaluation violated the rule
 };
@@ -51,7 +51,7 @@ struct Warning {
   std::string kind;     // "nan-passes", "zero-length-thrust-step", "evaluation-budget",
                         // "near-limit", "step-spans-thrust-points"
   std::string message;  // one sentence for people
-  std::vector<int> lines;
+  std::vector<long long> lines;
   int ship = 0;
   std::string rule;     // the constraint concerned, when there is one
 };
@@ -60,7 +60,7 @@ struct Warning {
 struct EventMark {
   std::string kind;  // "launch", "flyby", "rendezvous", "drop" (an Earth flyby that drops)
   int body_id = 0;
-  int line = 0;      // 1-based
+  long long line = 0;  // 1-based
   double epoch = kNotANumber;
   double r[3] = {kNotANumber, kNotANumber, kNotANumber};
   double mass = kNotANumber;

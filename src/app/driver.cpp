@@ -1,69 +1,89 @@
 #include "app/driver.h"
 
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <iostream>
-#include <vector>
+#include <new>
+#include <string>
+#include <thread>
 
-#include "app/summary.h"
-#include "lowthrust/arc_checks.h"
-#include "mining/ledger.h"
-#include "mining/score.h"
-#include "readers/catalogue.h"
-#include "readers/solution_reader.h"
-#include "records/records.h"
-#include "records/termination.h"
+#include "kavren/verify.h"
+#include "readers/file_bytes.h"
 
 namespace kavren {
 namespace {
 
-// Every stage prints its own message; a false return ends the run with status 0.
-int run_stages() {
-  ReadAsteroidsData("KAVREN_Asteroids_Data.txt");
-  return check_solution("Result.txt", true);
+constexpr const char* kCatalogueFile = "KAVREN_Asteroids_Data.txt";
+constexpr const char* kSolutionFile = "Result.txt";
+constexpr const char* kScoreFile = "./ScoreData.txt";
+// The run could not be finished (memory could not be had): no verdict was reached.
+constexpr int kResourceFailure = 4;
+
+int print(const std::string& text, int status) {
+  std::cout << text;
+  std::cout.flush();
+  return status;
+}
+
+// False when the score file cannot be opened; a failed write does not change the verdict.
+bool write_score_file(const std::string& bytes) {
+  std::FILE* file = std::fopen(kScoreFile, "wb");
+  if (file == nullptr) return false;
+  std::fwrite(bytes.data(), 1, bytes.size(), file);
+  std::fclose(file);
+  return true;
+}
+
+int verify_files() {
+  std::string catalogue_text;
+  if (!read_file_bytes(kCatalogueFile, catalogue_text)) {
+    return print("ErrorA00: The file of Asteroid Data cannot be found.\n", 1);
+  }
+  const Catalogue catalogue = Catalogue::from_text(catalogue_text);
+  catalogue_text = std::string();
+
+  std::string solution;
+  if (!read_file_bytes(kSolutionFile, solution)) {
+    return print("ErrorA01. File Open Error: Cannot find the solution file.\n", 1);
+  }
+  Options options;
+  options.workers = workers_from_environment();
+  const Report report = verify(catalogue, solution, options);
+  if (report.outcome == Outcome::out_of_memory) throw std::bad_alloc();
+  if (report.score_file && !write_score_file(*report.score_file)) {
+    return print("ErrorA00. File Open Error: Cannot find this file 'ScoreData.txt'.\n", 0);
+  }
+  return print(report.checker_output, report.exit_status);
 }
 
 }  // namespace
 
-int check_solution(const char* solution_file, bool release_catalogue) {
-  std::vector<ShipClass> ships;
-  int num_ships = 0;
-  if (!ReadSolutionFile(ships, num_ships, solution_file)) return 0;
-
-  // The loop runs over the reported ship count, never past the ships actually held.
-  const int checked = num_ships < static_cast<int>(ships.size()) ? num_ships
-                                                                  : static_cast<int>(ships.size());
-  for (int index = 0; index < checked; ++index) {
-    if (!ships[index].check_all()) return 0;
+int workers_from_environment() {
+  if (const char* text = std::getenv("KAVREN_THREADS")) {
+    char* end = nullptr;
+    const long n = std::strtol(text, &end, 10);
+    if (end != text && *end == '\0' && n > 0) return static_cast<int>(std::min(n, 256L));
   }
-
-  std::vector<DmStructAsteroid> dm_asteroids(kNumAsteroids);
-  std::vector<StoreDmStruct> store_dm;
-  if (!CheckVisitDm(ships, checked, dm_asteroids, store_dm)) return 0;
-  if (!CheckBuringArc(ships)) return 0;
-
-  double total_resource_mass = 0.0;
-  if (!Test_MotherShipNum(num_ships, store_dm, total_resource_mass)) return 0;
-  if (!Output_Solution(store_dm)) return 0;
-  if (release_catalogue) clear_info();
-
-  print_summary(std::cout, num_ships, store_dm.size(), total_resource_mass);
-  return 0;
+  const unsigned hardware = std::thread::hardware_concurrency();
+  return hardware == 0 ? 1 : static_cast<int>(std::min(hardware, 256u));
 }
 
-int run_verifier(int argc) {
+int run_checker(int argc) {
   // Only the argument count matters: any argument is refused before anything is read.
   // A count of 0 (no program name) runs like no argument.
   if (argc >= 2) {
-    std::cout << "Error000. The number of input parameters is incorrect." << std::endl;
-    std::cout << "The input is consisted with two files: the front one contains the "
-                 "KAVREN_Asteroids_Data.txt data, and the behind one takes the Result.txt."
-              << std::endl;
-    return 0;
+    return print(
+        "Error000. The number of input parameters is incorrect.\n"
+        "The input is consisted with two files: the front one contains the "
+        "KAVREN_Asteroids_Data.txt data, and the behind one takes the Result.txt.\n",
+        0);
   }
   try {
-    return run_stages();
-  } catch (const Termination& end) {
-    std::cout.flush();
-    return end.status();
+    return verify_files();
+  } catch (const std::bad_alloc&) {
+    std::cerr << "kavren-check: out of memory while verifying " << kSolutionFile << '\n';
+    return kResourceFailure;
   }
 }
 

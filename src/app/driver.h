@@ -1,15 +1,14 @@
-// The whole run of the verifier: reads the catalogue and the solution from the working
-// directory, runs every check in its fixed order and prints the verdict.
+// kavren-check: reads the catalogue and the solution from the working directory,
+// verifies the solution and prints the verdict, writing the score file on success.
 #pragma once
 
 namespace kavren {
 
-// Returns the process exit status.
-int run_verifier(int argc);
+// The whole run; returns the process exit status.
+int run_checker(int argc);
 
-// Every stage after the catalogue: reads and checks the solution, writes the score file
-// and prints the summary. The catalogue table must be loaded. Checks that end the run
-// throw Termination. Returns 0.
-int check_solution(const char* solution_file, bool release_catalogue);
+// Arc workers: KAVREN_THREADS when it holds a positive number (at most 256), else one
+// per hardware thread.
+int workers_from_environment();
 
 }  // namespace kavren

@@ -1,3 +1,3 @@
 #include "app/driver.h"
 
-int main(int argc, char**) { return kavren::run_verifier(argc); }
+int main(int argc, char**) { return kavren::run_checker(argc); }

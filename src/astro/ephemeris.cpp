@@ -5,7 +5,8 @@
 #include "astro/anomaly.h"
 #include "astro/constants.h"
 #include "astro/elements.h"
-#include "readers/catalogue.h"
+
+double** t_eles_asteroids = nullptr;
 
 namespace {
 
@@ -26,23 +27,21 @@ const double kPlanetElements[5][6] = {
 
 bool is_planet(int id) { return id == -4 || id == -3 || id == -2 || id == 0; }
 
-// Elements of body id (a in km, angles in rad); false for an unknown body or a
-// catalogue that is not loaded.
-bool body_elements(int id, double* ele) {
+// Elements of body id (a in km, angles in rad) from its catalogue row when it is an
+// asteroid; false for an unknown body.
+bool body_elements(int id, const double* asteroid_row, double* ele) {
   if (is_planet(id)) {
     for (int k = 0; k < 6; ++k) ele[k] = kPlanetElements[id + 4][k];
     return true;
   }
-  if (id < 1 || id > kavren::kNumAsteroids || t_eles_asteroids == nullptr) return false;
-  const double* record = t_eles_asteroids[id - 1];
-  if (record == nullptr) return false;
-  ele[0] = record[1] * 149597870.691;
-  ele[1] = record[2];
-  for (int k = 2; k < 6; ++k) ele[k] = record[k + 1] * 0.017453292519943295;
+  if (asteroid_row == nullptr) return false;
+  ele[0] = asteroid_row[1] * kavren::kAU;
+  ele[1] = asteroid_row[2];
+  for (int k = 2; k < 6; ++k) ele[k] = asteroid_row[k + 1] * kavren::kDeg2Rad;
   return true;
 }
 
-// Mean anomaly ele[5] at the reference epoch moved to M, then the Kepler solution.
+// Mean anomaly ele[5] at the element epoch moved to M, then the Kepler solution.
 void state_from_mean_anomaly(int& flag, double* rv, const double* ele, double M, double mu,
                              int MaxIter, double epsilon) {
   const double e = ele[1];
@@ -55,71 +54,41 @@ void state_from_mean_anomaly(int& flag, double* rv, const double* ele, double M,
   flag = 1;
 }
 
-double norm3(double x, double y, double z) { return std::sqrt(x * x + y * y + z * z); }
-
-}  // namespace
-
-void getrv_stats_asteroids(int& flag, double* rv, int id, double t) {
+void state_of(int& flag, double* rv, int id, double t, const double* asteroid_row) {
   double ele[6];
-  if (!body_elements(id, ele)) {
+  if (!body_elements(id, asteroid_row, ele)) {
     flag = 0;
     return;
   }
   const double a = ele[0];
-  const double M = ele[5] + std::sqrt(132712440018.0 / (a * a * a)) * (t - 64328.0) * 86400.0;
-  state_from_mean_anomaly(flag, rv, ele, M, 132712440018.0, 100, 1.0e-14);
+  const double M = ele[5] + std::sqrt(kavren::kMuSun / (a * a * a)) *
+                                (t - kavren::kElementEpochMjd) * kavren::kSecondsPerDay;
+  state_from_mean_anomaly(flag, rv, ele, M, kavren::kMuSun, 100, 1.0e-14);
+}
+
+}  // namespace
+
+namespace kavren {
+
+AsteroidTable::AsteroidTable()
+    : data_(static_cast<std::size_t>(kNumAsteroids) * kCatalogueColumns, 0.0),
+      rows_(static_cast<std::size_t>(kNumAsteroids)) {
+  for (int id = 1; id <= kNumAsteroids; ++id) rows_[static_cast<std::size_t>(id - 1)] = row(id);
+}
+
+void body_state(int& flag, double* rv, int id, double t, AsteroidRows asteroids) {
+  const bool asteroid = id >= 1 && id <= kNumAsteroids && asteroids != nullptr;
+  state_of(flag, rv, id, t, asteroid ? asteroids[id - 1] : nullptr);
+}
+
+}  // namespace kavren
+
+void getrv_stats_asteroids(int& flag, double* rv, int id, double t) {
+  kavren::body_state(flag, rv, id, t, t_eles_asteroids);
 }
 
 void Ele0dt2rvt(int& flag, double* rv, const double* ele0, double mu, double dt, int MaxIter,
                 double epsilon) {
   const double M = M0dt2Mt(ele0[5], mu, ele0[0], dt);
   state_from_mean_anomaly(flag, rv, ele0, M, mu, MaxIter, epsilon);
-}
-
-// A body whose ephemeris fails is compared as a body at rest at the Sun.
-double get_vinf(int id, StateStruct s) {
-  double body[6] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
-  int flag = 0;
-  getrv_stats_asteroids(flag, body, id, s.epoch);
-  return norm3(s.v[0] - body[3], s.v[1] - body[4], s.v[2] - body[5]);
-}
-
-void err_state_ship(int id, StateStruct s, double& dr, double& dv) {
-  double body[6] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
-  int flag = 0;
-  getrv_stats_asteroids(flag, body, id, s.epoch);
-  const double ship[6] = {s.r[0], s.r[1], s.r[2], s.v[0], s.v[1], s.v[2]};
-  get_error_shipandstar(ship, body, dr, dv);
-}
-
-void get_error_2structs(StateStruct a, StateStruct b, double& dt, double& dr, double& dv,
-                        double& dm) {
-  dt = std::fabs(a.epoch - b.epoch);
-  dr = norm3(a.r[0] - b.r[0], a.r[1] - b.r[1], a.r[2] - b.r[2]);
-  dv = norm3(a.v[0] - b.v[0], a.v[1] - b.v[1], a.v[2] - b.v[2]);
-  dm = std::fabs(a.mass - b.mass);
-}
-
-void get_error_shipandstar(const double* rv1, const double* rv2, double& dr, double& dv) {
-  dr = norm3(rv1[0] - rv2[0], rv1[1] - rv2[1], rv1[2] - rv2[2]);
-  dv = norm3(rv1[3] - rv2[3], rv1[4] - rv2[4], rv1[5] - rv2[5]);
-}
-
-bool get_angle_2vinfs(int id, const double* vinf_in, const double* vinf_out, double& angle,
-                      double& max_angle) {
-  const double vin = norm3(vinf_in[0], vinf_in[1], vinf_in[2]);
-  const double vout = norm3(vinf_out[0], vinf_out[1], vinf_out[2]);
-  if (vin < 0.001 || vout < 0.001) return false;
-  const double dot = vinf_in[0] * vinf_out[0] + vinf_in[1] * vinf_out[1] + vinf_in[2] * vinf_out[2];
-  angle = std::acos(dot / (vin * vout));
-  double mu = 324858.592, rp = 6351.0;  // Venus, also for any identifier not listed
-  if (id == -4) {
-    mu = 42828.375214;
-    rp = 3689.0;
-  } else if (id == -3) {
-    mu = 398600.435436;
-    rp = 6678.0;
-  }
-  max_angle = 2.0 * std::asin(mu / (vin * vin * rp + mu));
-  return true;
 }

@@ -1,17 +1,138 @@
+// One verification: the stages of a run in their fixed order, each adding to one
+// collector of findings, then the verdict kavren-check would print and the report.
 #include "kavren/verify.h"
+
+#include <cmath>
+#include <new>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+#include "astro/ephemeris.h"
+#include "core/ship_checks.h"
+#include "core/summary.h"
+#include "lowthrust/arc_stage.h"
+#include "mining/ledger.h"
+#include "mining/score.h"
+#include "readers/catalogue.h"
+#include "readers/file_bytes.h"
+#include "readers/solution_reader.h"
 
 namespace kavren {
 
 Catalogue::Catalogue(std::shared_ptr<const AsteroidTable> table) : table_(std::move(table)) {}
 
 Catalogue Catalogue::from_file(const std::string& path) {
-  throw InputError("cannot read the catalogue " + path + ": not yet available");
+  std::string bytes;
+  if (!read_file_bytes(path.c_str(), bytes)) {
+    throw InputError("cannot read the catalogue " + path + ": no such file or not readable");
+  }
+  return from_text(bytes);
 }
 
-Catalogue Catalogue::from_text(std::string_view) { return Catalogue(nullptr); }
+Catalogue Catalogue::from_text(std::string_view text) {
+  auto table = std::make_shared<AsteroidTable>();
+  read_catalogue(text, *table);
+  return Catalogue(std::move(table));
+}
 
-Report verify(const Catalogue&, std::string_view, const Options&) { return Report{}; }
+namespace {
 
-const char* version() { return "0.9.0"; }
+int default_workers() {
+  const unsigned hardware = std::thread::hardware_concurrency();
+  return hardware == 0 ? 1 : static_cast<int>(std::min(hardware, 256u));
+}
+
+// The stages; each returns false when the collector says to stop.
+struct Run {
+  const Catalogue& catalogue;
+  const Options& options;
+  Findings findings;
+  std::vector<ShipClass> ships;
+  int num_ships = 0;
+  std::vector<StoreDmStruct> store;
+  double total_resource_mass = 0.0;
+  ArcStageResult arcs;
+  std::chrono::steady_clock::time_point deadline;
+
+  Run(const Catalogue& c, const Options& o)
+      : catalogue(c), options(o), findings(o.mode == Mode::first) {}
+
+  bool all_stages(std::string_view text) {
+    if (!read_solution(text, ships, num_ships, findings)) return false;
+    if (findings.stopped()) return false;
+    // The ship checks run over the reported count, never past the ships actually held.
+    const int checked = std::min(num_ships, static_cast<int>(ships.size()));
+    for (int index = 0; index < checked; ++index) {
+      EventContext context{findings, catalogue.table().rows(), ships[index].ship_id};
+      if (!check_ship(ships[index], context)) return false;
+    }
+    std::vector<DmStructAsteroid> dm_asteroids(kNumAsteroids);
+    if (!check_mining_ledger(ships, checked, dm_asteroids, store, findings)) return false;
+
+    ArcStageOptions arc_options;
+    arc_options.workers = options.workers > 0 ? options.workers : default_workers();
+    arc_options.trajectories = options.trajectories;
+    arc_options.inspect_steps = options.mode == Mode::all;
+    arc_options.deadline = options.deadline.count() > 0 ? &deadline : nullptr;
+    arc_options.progress = options.progress;
+    if (!check_arcs(ships, findings, arc_options, arcs)) return false;
+    return check_ship_count(num_ships, store, total_resource_mass, findings);
+  }
+};
+
+void limit_reached(Report& report, std::string reason) {
+  report.outcome = Outcome::limit_reached;
+  report.error = std::move(reason);
+}
+
+}  // namespace
+
+Report verify(const Catalogue& catalogue, std::string_view solution_text, const Options& options) {
+  Report report;
+  if (options.max_bytes > 0 && solution_text.size() > options.max_bytes) {
+    limit_reached(report, "the solution holds " + std::to_string(solution_text.size()) +
+                              " bytes, more than the limit of " +
+                              std::to_string(options.max_bytes));
+    return report;
+  }
+  try {
+    Run run(catalogue, options);
+    run.deadline = std::chrono::steady_clock::now() + options.deadline;
+    run.all_stages(solution_text);
+    if (run.arcs.deadline_reached) {
+      limit_reached(report, "the deadline of " + std::to_string(options.deadline.count()) +
+                                " ms passed while the arcs were integrated");
+      return report;
+    }
+    std::vector<Finding>& findings = run.findings.findings();
+    report.accepted = findings.empty();
+    if (report.accepted) {
+      report.score_file = score_file_text(run.store);
+      report.checker_output =
+          summary_text(run.num_ships, run.store.size(), run.total_resource_mass);
+      report.exit_status = 0;
+    } else {
+      report.checker_output = findings.front().message;
+      report.exit_status = findings.front().exit_status;
+    }
+    report.constraints = run.findings.constraints();
+    report.warnings = run.findings.warnings();
+    report.findings = std::move(findings);
+    report.summary = summarise(run.ships, run.num_ships, run.store, run.total_resource_mass,
+                               run.arcs.thrust_phases);
+    report.trajectories = std::move(run.arcs.trajectories);
+    report.statistics.derivative_evaluations = run.arcs.evaluations;
+    report.statistics.arcs = run.arcs.arcs;
+  } catch (const std::bad_alloc&) {
+    report = Report();
+    report.outcome = Outcome::out_of_memory;
+    report.error = "out of memory while verifying the solution";
+  }
+  report.statistics.lines = 0;
+  return report;
+}
+
+const char* version() { return "1.0.0"; }
 
 }  // namespace kavren

@@ -3,93 +3,100 @@
 // small enough, and the ship on the Earth.
 #include <cmath>
 
-#include "astro/ephemeris.h"
-#include "events/event_messages.h"
-#include "records/records.h"
+#include "events/encounters.h"
+#include "events/event_checks.h"
+#include "events/event_text.h"
+#include "records/announce.h"
+#include "records/limits.h"
 
-namespace {
+namespace kavren {
 
-using kavren::events::print_line_error;
-
-constexpr double kMaxInitialMass = 3000.0;  // kg
-// The departure speed limit is 6.0 km/s as announced, tested with 0.001 km/s of margin.
-constexpr double kMaxLaunchSpeed = 6.001;  // km/s
-
-}  // namespace
-
-bool LaunchClass::check_2lines_trm() const {
+bool launch_pair(const LaunchClass& launch, EventContext& c) {
   double dt = 0.0, dr = 0.0, dv = 0.0, dm = 0.0;
-  get_error_2structs(state_before, state_after, dt, dr, dv, dm);
-  if (dt > kavren::events::kEpochTolerance) {
-    print_line_error("Error501. Data Error of the event of launch on the line",
-                     state_after.line_index, kavren::events::kTimeDiffers);
+  get_error_2structs(launch.state_before, launch.state_after, dt, dr, dv, dm);
+  const long long before = printed_line(launch.state_before.line_index);
+  const long long after = printed_line(launch.state_after.line_index);
+  Findings& f = c.findings;
+  auto pair_message = [&](const char* code, const char* suffix) {
+    return [=] { return event_message(code, "launch", after, suffix); };
+  };
+  if (!f.check(Rule::launch_time, !(dt > kEpochTolerance), dt, kEpochTolerance, {after, before},
+               c.ship, pair_message("Error501", kTimeDiffers))) {
     return false;
   }
-  if (dr > kavren::events::kPositionTolerance) {
-    print_line_error("Error502. Data Error of the event of launch on the line",
-                     state_after.line_index, kavren::events::kPositionDiffers);
+  if (!f.check(Rule::launch_position, !(dr > kPositionTolerance), dr, kPositionTolerance,
+               {after, before}, c.ship, pair_message("Error502", kPositionDiffers))) {
     return false;
   }
   // The launch changes the velocity, so only the mass is compared besides.
-  if (dm > kavren::events::kMassTolerance) {
-    print_line_error("Error503. Data Error of the event of launch on the line",
-                     state_after.line_index, kavren::events::kMassDiffers);
-    return false;
-  }
-  return true;
+  return f.check(Rule::launch_mass, !(dm > kMassTolerance), dm, kMassTolerance, {after, before},
+                 c.ship, pair_message("Error503", kMassDiffers));
 }
 
-bool LaunchClass::check_initialmass() const {
-  if (state_before.mass > kMaxInitialMass) {
-    print_line_error("Error504. Data Error of the event of launch on the line",
-                     state_before.line_index,
-                     ": Initial mass of Mining Ship is greater than the limit value.");
-    return false;
-  }
-  return true;
+bool launch_mass(const LaunchClass& launch, EventContext& c) {
+  const double mass = launch.state_before.mass;
+  const long long line = printed_line(launch.state_before.line_index);
+  return c.findings.check(Rule::launch_initial_mass, !(mass > kMaxLaunchMass), mass,
+                          kMaxLaunchMass, {line}, c.ship, [&] {
+                            return event_message(
+                                "Error504", "launch", line,
+                                ": Initial mass of Mining Ship is greater than the limit value.");
+                          });
 }
 
-bool LaunchClass::check_vinf() const {
-  const double dvx = state_after.v[0] - state_before.v[0];
-  const double dvy = state_after.v[1] - state_before.v[1];
-  const double dvz = state_after.v[2] - state_before.v[2];
+bool launch_speed(const LaunchClass& launch, EventContext& c) {
+  const double dvx = launch.state_after.v[0] - launch.state_before.v[0];
+  const double dvy = launch.state_after.v[1] - launch.state_before.v[1];
+  const double dvz = launch.state_after.v[2] - launch.state_before.v[2];
   const double speed = std::sqrt(dvx * dvx + dvy * dvy + dvz * dvz);
-  if (speed > kMaxLaunchSpeed) {
-    print_line_error("Error505. Data Error of the event of launch on the line",
-                     state_before.line_index,
-                     ": The hyperbolic excess velocity of the ship relative to the Earth should "
-                     "not be larger than 6.0 km/s  at the moment of launch.");
-    return false;
-  }
-  return true;
+  const long long line = printed_line(launch.state_before.line_index);
+  return c.findings.check(
+      Rule::launch_speed, !(speed > kMaxExcessSpeed), speed, kMaxExcessSpeed,
+      {line, printed_line(launch.state_after.line_index)}, c.ship, [&] {
+        return event_message("Error505", "launch", line,
+                             ": The hyperbolic excess velocity of the ship relative to the Earth "
+                             "should not be larger than 6.0 km/s  at the moment of launch.");
+      });
 }
 
-bool LaunchClass::check_rv_ifequal2Earth() const {
+bool launch_at_earth(const LaunchClass& launch, EventContext& c) {
   double dr_before = 0.0, dv_before = 0.0, dr_after = 0.0, dv_after = 0.0;
-  err_state_ship(body_id, state_before, dr_before, dv_before);
-  err_state_ship(body_id, state_after, dr_after, dv_after);
-  const char* const position_error =
-      ": The position error with the Earth exceeds the allowable range.";
-  if (dr_before > kavren::events::kPositionTolerance) {
-    print_line_error("Error506. Data Error of the event of launch on the line",
-                     state_before.line_index, position_error);
+  state_error(launch.body_id, launch.state_before, c.asteroids, dr_before, dv_before);
+  state_error(launch.body_id, launch.state_after, c.asteroids, dr_after, dv_after);
+  Findings& f = c.findings;
+  const long long before = printed_line(launch.state_before.line_index);
+  const long long after = printed_line(launch.state_after.line_index);
+  auto position_message = [](long long line) {
+    return [=] {
+      return event_message("Error506", "launch", line,
+                           ": The position error with the Earth exceeds the allowable range.");
+    };
+  };
+  if (!f.check(Rule::launch_earth_position, !(dr_before > kPositionTolerance), dr_before,
+               kPositionTolerance, {before}, c.ship, position_message(before))) {
     return false;
   }
-  if (dr_after > kavren::events::kPositionTolerance) {
-    print_line_error("Error506. Data Error of the event of launch on the line",
-                     state_after.line_index, position_error);
+  if (!f.check(Rule::launch_earth_position, !(dr_after > kPositionTolerance), dr_after,
+               kPositionTolerance, {after}, c.ship, position_message(after))) {
     return false;
   }
   // Only the first line rides with the Earth; the second carries the excess velocity.
-  if (dv_before > kavren::events::kVelocityTolerance) {
-    print_line_error("Error507. Data Error of the event of launch on the line",
-                     state_before.line_index,
-                     ": The velocity error with the Earth exceeds the allowable range.");
-    return false;
-  }
-  return true;
+  return f.check(Rule::launch_earth_velocity, !(dv_before > kVelocityTolerance), dv_before,
+                 kVelocityTolerance, {before}, c.ship, [&] {
+                   return event_message(
+                       "Error507", "launch", before,
+                       ": The velocity error with the Earth exceeds the allowable range.");
+                 });
 }
 
+}  // namespace kavren
+
+bool LaunchClass::check_2lines_trm() const { return kavren::announce_event(*this, kavren::launch_pair); }
+bool LaunchClass::check_initialmass() const { return kavren::announce_event(*this, kavren::launch_mass); }
+bool LaunchClass::check_vinf() const { return kavren::announce_event(*this, kavren::launch_speed); }
+bool LaunchClass::check_rv_ifequal2Earth() const {
+  return kavren::announce_event(*this, kavren::launch_at_earth);
+}
 bool LaunchClass::check_launchevent() const {
   return check_2lines_trm() && check_initialmass() && check_vinf() && check_rv_ifequal2Earth();
 }

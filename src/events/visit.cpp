@@ -1,66 +1,85 @@
 // Rendezvous with a catalogue asteroid: the two lines must be one instant, one place and
 // one velocity, both matching the asteroid. The mass is free to change (a miner left
 // behind, resources taken on).
-#include "astro/ephemeris.h"
-#include "events/event_messages.h"
-#include "records/records.h"
+#include "events/encounters.h"
+#include "events/event_checks.h"
+#include "events/event_text.h"
+#include "records/limits.h"
 
-namespace {
+namespace kavren {
 
-using kavren::events::print_line_error;
-
-}  // namespace
-
-bool VisitClass::check_2lines_trv() const {
+bool visit_pair(const VisitClass& visit, EventContext& c) {
   double dt = 0.0, dr = 0.0, dv = 0.0, dm = 0.0;
-  get_error_2structs(state_before, state_after, dt, dr, dv, dm);
-  if (dt > kavren::events::kEpochTolerance) {
-    print_line_error("Error701. Data Error of the event of rendezvous on the line",
-                     state_after.line_index, kavren::events::kTimeDiffers);
+  get_error_2structs(visit.state_before, visit.state_after, dt, dr, dv, dm);
+  const long long before = printed_line(visit.state_before.line_index);
+  const long long after = printed_line(visit.state_after.line_index);
+  Findings& f = c.findings;
+  auto pair_message = [&](const char* code, const char* suffix) {
+    return [=] { return event_message(code, "rendezvous", after, suffix); };
+  };
+  if (!f.check(Rule::visit_time, !(dt > kEpochTolerance), dt, kEpochTolerance, {after, before},
+               c.ship, pair_message("Error701", kTimeDiffers))) {
     return false;
   }
-  if (dr > kavren::events::kPositionTolerance) {
-    print_line_error("Error702. Data Error of the event of rendezvous on the line",
-                     state_after.line_index, kavren::events::kPositionDiffers);
+  if (!f.check(Rule::visit_position, !(dr > kPositionTolerance), dr, kPositionTolerance,
+               {after, before}, c.ship, pair_message("Error702", kPositionDiffers))) {
     return false;
   }
-  if (dv > kavren::events::kVelocityTolerance) {
-    print_line_error("Error703. Data Error of the event of rendezvous on the line",
-                     state_after.line_index, kavren::events::kVelocityDiffers);
-    return false;
-  }
-  return true;
+  return f.check(Rule::visit_velocity, !(dv > kVelocityTolerance), dv, kVelocityTolerance,
+                 {after, before}, c.ship, pair_message("Error703", kVelocityDiffers));
 }
 
-bool VisitClass::check_rv_ifequal2asteroid() const {
+bool visit_at_asteroid(const VisitClass& visit, EventContext& c) {
   double dr_before = 0.0, dv_before = 0.0, dr_after = 0.0, dv_after = 0.0;
-  err_state_ship(body_id, state_before, dr_before, dv_before);
-  err_state_ship(body_id, state_after, dr_after, dv_after);
-  const char* const prefix704 = "Error704. Data Error of the event of rendezvous on the line";
-  const char* const prefix705 = "Error705. Data Error of the event of rendezvous on the line";
-  const char* const position_error =
-      ": The position error with the asteroid exceeds the allowable range.";
-  const char* const velocity_error =
-      ": The velocity error with the asteroid exceeds the allowable range.";
-  if (dr_before > kavren::events::kPositionTolerance) {
-    print_line_error(prefix704, state_before.line_index, position_error);
+  state_error(visit.body_id, visit.state_before, c.asteroids, dr_before, dv_before);
+  state_error(visit.body_id, visit.state_after, c.asteroids, dr_after, dv_after);
+  const long long before = printed_line(visit.state_before.line_index);
+  const long long after = printed_line(visit.state_after.line_index);
+  auto position = [](long long line) {
+    return [=] {
+      return event_message("Error704", "rendezvous", line,
+                           ": The position error with the asteroid exceeds the allowable range.");
+    };
+  };
+  auto velocity = [](long long line) {
+    return [=] {
+      return event_message("Error705", "rendezvous", line,
+                           ": The velocity error with the asteroid exceeds the allowable range.");
+    };
+  };
+  Findings& f = c.findings;
+  return f.check(Rule::visit_asteroid_position, !(dr_before > kPositionTolerance), dr_before,
+                 kPositionTolerance, {before}, c.ship, position(before)) &&
+         f.check(Rule::visit_asteroid_position, !(dr_after > kPositionTolerance), dr_after,
+                 kPositionTolerance, {after}, c.ship, position(after)) &&
+         f.check(Rule::visit_asteroid_velocity, !(dv_before > kVelocityTolerance), dv_before,
+                 kVelocityTolerance, {before}, c.ship, velocity(before)) &&
+         f.check(Rule::visit_asteroid_velocity, !(dv_after > kVelocityTolerance), dv_after,
+                 kVelocityTolerance, {after}, c.ship, velocity(after));
+}
+
+bool check_ship_events(ShipClass& ship, EventContext& c) {
+  const LaunchClass& launch = ship.launch;
+  if (!launch_pair(launch, c) || !launch_mass(launch, c) || !launch_speed(launch, c) ||
+      !launch_at_earth(launch, c)) {
     return false;
   }
-  if (dr_after > kavren::events::kPositionTolerance) {
-    print_line_error(prefix704, state_after.line_index, position_error);
-    return false;
+  // All three checks of one flyby run before the next flyby is looked at.
+  for (FlybyClass& flyby : ship.flybys) {
+    if (!flyby_pair(flyby, c) || !flyby_at_planet(flyby, c) || !flyby_pass(flyby, c)) return false;
   }
-  if (dv_before > kavren::events::kVelocityTolerance) {
-    print_line_error(prefix705, state_before.line_index, velocity_error);
-    return false;
-  }
-  if (dv_after > kavren::events::kVelocityTolerance) {
-    print_line_error(prefix705, state_after.line_index, velocity_error);
-    return false;
+  for (const VisitClass& visit : ship.visits) {
+    if (!visit_pair(visit, c) || !visit_at_asteroid(visit, c)) return false;
   }
   return true;
 }
 
+}  // namespace kavren
+
+bool VisitClass::check_2lines_trv() const { return kavren::announce_event(*this, kavren::visit_pair); }
+bool VisitClass::check_rv_ifequal2asteroid() const {
+  return kavren::announce_event(*this, kavren::visit_at_asteroid);
+}
 bool VisitClass::check_visitevent() const {
   return check_2lines_trv() && check_rv_ifequal2asteroid();
 }

@@ -1,5 +1,7 @@
 #include "lowthrust/rkf78.h"
 
+#include "lowthrust/rkf78_loop.h"
+
 #include <cmath>
 #include <cstddef>
 
@@ -38,19 +40,34 @@ const double RKFc[13] = {0.0,         0.0,         0.0,          0.0,          0
 
 namespace {
 
-constexpr double kEmptyInterval = 1e-14;
-constexpr double kRelTolFloor = 1.4440892098500627e-15;  // 2 DBL_EPSILON + 1e-15
-constexpr double kU26 = 5.773159728050814e-15;           // 26 DBL_EPSILON
-constexpr double kSafety = 0.9;
-constexpr double kLargestShrinkAt = 43046721.0;  // 9^8: below it 0.9 / esttol^(1/8) > 0.1
-constexpr double kGrowthFiveAt = 2.5657845139503485e-08;
-
 void write_line(std::FILE* out, double t, const double* y, int dim) {
   std::fprintf(out, "%22.14e", t);
   for (int k = 0; k < dim; ++k) std::fprintf(out, "%24.14e", y[k]);
   std::fprintf(out, "\n");
   std::fflush(out);
 }
+
+// A derivative function with its parameter block.
+struct FunctionModel {
+  DerivFn f;
+  const double* para;
+  void operator()(double t, const double* y, double* dy) const { f(t, y, dy, para); }
+};
+
+// Writes every accepted state to the output file, when there is one.
+struct FileObserver {
+  std::FILE* out;
+  int land(double t, const double* y, int dim) const {
+    if (out != nullptr) write_line(out, t, y, dim);
+    return 1;
+  }
+  int step(double t, const double* y, int dim) const {
+    if (out == nullptr) return 0;
+    write_line(out, t, y, dim);
+    return 1;
+  }
+  void tick() const {}
+};
 
 }  // namespace
 
@@ -95,160 +112,16 @@ double RKF78ErrorTerm(int k, int dim, const double* K) {
 
 void RKF78Step(DerivFn model, const double* y, const double* para, double t, double h,
                double* ynew, int dim, double* K) {
-  const std::ptrdiff_t d = dim;
-  for (std::ptrdiff_t j = 1; j <= 12; ++j) {
-    const double* beta = RKFb[j];
-    for (std::ptrdiff_t k = 0; k < d; ++k) {
-      double sum = 0.0;
-      for (std::ptrdiff_t l = 0; l < j; ++l) sum += beta[l] * K[l * d + k];
-      ynew[k] = y[k] + h * sum;
-    }
-    model(t + RKFa[j] * h, ynew, K + j * d, para);
-  }
-  for (std::ptrdiff_t k = 0; k < d; ++k) {
-    double sum = 0.0;
-    for (std::ptrdiff_t j = 0; j <= 12; ++j) sum += RKFc[j] * K[j * d + k];
-    ynew[k] = y[k] + h * sum;
-  }
+  FunctionModel m{model, para};
+  rkf78_step(m, y, t, h, ynew, dim, K);
 }
 
 int RKF78(DerivFn model, double* y, const double* para, double& t, double tout, int dim,
           double relTol, const double* absTol, int& flag, double* work, int maxEval,
           std::FILE* outFile) {
-  // Nothing to do: the state already sits at tout. The doubled flag wraps like two's
-  // complement for entry values beyond half the int range (such values are invalid
-  // anyway, and this branch validates nothing).
-  if (std::fabs(t - tout) < kEmptyInterval) {
-    flag = static_cast<int>(static_cast<unsigned int>(flag) * 2u);
-    t = tout;
-    if (outFile != nullptr) write_line(outFile, t, y, dim);
-    return 1;
-  }
-  if (dim < 1 || relTol < 0.0) {
-    flag = 8;
-    return 0;
-  }
-  const double aeMin = ArrayMin(absTol, dim);
-  if (flag > 8 || flag < -8 || flag == 0 || aeMin < 0.0) {
-    flag = 8;
-    return 0;
-  }
-  // A restart that is not fresh: continue in one-step mode on the stored derivative.
-  if (flag == 3 || flag == 4 || flag == 2 || flag == -2) flag = 0;
-  if (relTol < kRelTolFloor) {
-    flag = 3;
-    return 0;
-  }
-
-  const std::ptrdiff_t d = dim;
-  double* K0 = work;
-  double* trial = work + 13 * d;
-  // Counted in 64 bits: the budget test comes only at a new step, so rejected retries
-  // keep counting and an int counter could pass its range under a budget near INT_MAX.
-  long long n = 0;
-  if (flag == 1 || flag == -1) {
-    model(t, y, K0, para);
-    n = 1;
-    if (std::fabs(t - tout) < kEmptyInterval) {
-      flag = 2;
-      return 0;
-    }
-  }
-
-  // Initial step: the largest for which the first-order term alone stays within each
-  // component's tolerance.
-  double dt = tout - t;
-  double h = std::fabs(dt);
-  double tol = 0.0;
-  for (std::ptrdiff_t k = 0; k < d; ++k) {
-    tol = Max(relTol * std::fabs(y[k]), absTol[k]);
-    if (tol > 0.0 && std::fabs(K0[k]) * std::pow(h, 8.0) > tol) {
-      h = std::pow(tol / std::fabs(K0[k]), 0.125);
-    }
-  }
-  if (tol <= 0.0) h = 0.0;
-  h = Max(h, kU26 * Max(std::fabs(t), std::fabs(dt)));
-  h = CopySign(h, dt);
-
-  const double scale = 2.0 / relTol;
-
-  // The whole interval is below the resolution of t: one Euler step lands on tout.
-  if (std::fabs(dt) <= kU26 * std::fabs(t)) {
-    for (std::ptrdiff_t k = 0; k < d; ++k) y[k] = y[k] + dt * K0[k];
-    model(tout, y, K0, para);
-    t = tout;
-    flag = 2;
-    return 0;
-  }
-
-  int lines = 0;
-  for (;;) {
-    dt = tout - t;
-    bool output = false;
-    if (std::fabs(dt) < 2.0 * std::fabs(h)) {
-      if (std::fabs(dt) <= std::fabs(h)) {
-        h = dt;
-        output = true;
-      } else {
-        h = dt / 2.0;
-      }
-    }
-    if (n > maxEval) {
-      flag = 4;
-      return lines;
-    }
-    const double hmin = kU26 * std::fabs(t);
-    bool hfailed = false;
-    double esttol = 0.0;
-    for (;;) {
-      RKF78Step(model, y, para, t, h, trial, dim, K0);
-      n += 8;
-      double eeoet = 0.0;
-      for (std::ptrdiff_t k = 0; k < d; ++k) {
-        const double et = std::fabs(trial[k]) + std::fabs(y[k]) + aeMin * scale;
-        if (et <= 0.0) {
-          flag = 5;
-          return lines;
-        }
-        const double ee = std::fabs(RKF78ErrorTerm(static_cast<int>(k), dim, K0));
-        eeoet = Max(eeoet, ee / et);
-      }
-      esttol = std::fabs(h) * eeoet * scale;
-      if (!(esttol > 1.0)) break;  // a NaN estimate accepts the step
-      hfailed = true;
-      output = false;
-      const double s = esttol < kLargestShrinkAt ? kSafety / std::pow(esttol, 0.125) : 0.1;
-      h = s * h;
-      if (std::fabs(h) <= hmin) {
-        flag = 6;
-        return lines;
-      }
-    }
-
-    t = t + h;
-    for (std::ptrdiff_t k = 0; k < d; ++k) y[k] = trial[k];
-    model(t, y, K0, para);
-    n += 1;
-
-    // The growth factor drops from nearly 8 to 5 below the threshold: kept as it is.
-    double s = esttol <= kGrowthFiveAt ? 5.0 : kSafety / std::pow(esttol, 0.125);
-    if (hfailed) s = Min(s, 1.0);
-    h = CopySign(Max(s * std::fabs(h), hmin), h);
-
-    if (outFile != nullptr) {
-      write_line(outFile, t, y, dim);
-      ++lines;
-    }
-    if (output) {
-      t = tout;
-      flag = 2;
-      return lines;
-    }
-    if (flag <= 0) {
-      flag = -2;
-      return lines;
-    }
-  }
+  FunctionModel m{model, para};
+  FileObserver observer{outFile};
+  return rkf78_integrate(m, y, t, tout, dim, relTol, absTol, flag, work, maxEval, observer);
 }
 
 }  // namespace RK

@@ -2,37 +2,23 @@
 
 #include <cmath>
 #include <cstddef>
-#include <iostream>
+#include <string>
+#include <sstream>
 #include <utility>
+
+#include "records/announce.h"
+#include "records/limits.h"
 
 namespace kavren {
 namespace {
 
-// Mass a first rendezvous leaves behind with the miner, and the allowance on it.
-constexpr double kMinerMass = 40.0;
-constexpr double kMassTolerance = 0.001;
-// A hair below a Julian year, so that exactly 365.25 days (and any rounding error below
-// 1e-8 days) still counts as a full year of mining.
-constexpr double kOneYearDays = 365.24999999;
-// Resources a miner gathers: 10 kg per year of 365.25 days, plus the allowance.
-constexpr double kMassPerYear = 10.0;
-constexpr double kYearDays = 365.25;
-
-// Line numbers are printed as the 0-based index plus one; widened first so that even
-// the largest index cannot overflow.
-long long printed_line(int line_index) { return static_cast<long long>(line_index) + 1; }
-
-bool leaves_no_miner(double mass_change) {
-  return std::fabs(mass_change + kMinerMass) > kMassTolerance;
-}
-
-void print_miner_mismatch_prefix() {
-  std::cout << "Error803. Mining Data Error on the line";
-}
-
+const char* const kMinerMismatch = "Error803. Mining Data Error on the line";
 const char* const kMinerMismatchText =
     ": The mass change of the Mining Ship does not match the mass of the miner on the "
     "first rendezvous to the asteroid (exceeding the allowable error).";
+
+// How far the mass left at a first rendezvous is from the miner's.
+double miner_mass_error(double mass_change) { return std::fabs(mass_change + kMinerMass); }
 
 void swap_slots(DmStructAsteroid& record) {
   std::swap(record.line1, record.line2);
@@ -42,43 +28,56 @@ void swap_slots(DmStructAsteroid& record) {
 }
 
 }  // namespace
-}  // namespace kavren
 
-int check_DmStructAsteroid(DmStructAsteroid& record) {
-  using namespace kavren;
+int check_mining_pair(DmStructAsteroid& record, Findings& findings) {
   // The earlier rendezvous deploys the miner, the later one collects; equal epochs stay
   // as met.
   if (record.epoch1 > record.epoch2) swap_slots(record);
+  const long long line1 = printed_line(record.line1);
+  const long long line2 = printed_line(record.line2);
+  bool valid = true;
 
   const double interval = record.epoch2 - record.epoch1;
-  if (interval < kOneYearDays) {
-    std::cout << "Error802. Mining Data Error on the line" << printed_line(record.line2)
-              << ": The time interval between two rendezvous should not be shorter than one "
-                 "year."
-              << std::endl;
+  const bool long_enough = !(interval < kMinMiningInterval);
+  valid = valid && long_enough;
+  if (!findings.check(Rule::mining_interval, long_enough, interval, kMinMiningInterval,
+                      {line2, line1}, 0, [&] {
+                        return line_message("Error802. Mining Data Error on the line", line2,
+                                            ": The time interval between two rendezvous should "
+                                            "not be shorter than one year.");
+                      })) {
     return 0;
   }
-  if (leaves_no_miner(record.mass_change1)) {
-    print_miner_mismatch_prefix();
-    std::cout << printed_line(record.line1) << kMinerMismatchText << std::endl;
+  const double miner_error = miner_mass_error(record.mass_change1);
+  const bool miner_left = !(miner_error > kMassTolerance);
+  valid = valid && miner_left;
+  if (!findings.check(Rule::miner_mass, miner_left, miner_error, kMassTolerance, {line1}, 0,
+                      [&] { return line_message(kMinerMismatch, line1, kMinerMismatchText); })) {
     return 0;
   }
-  const double allowed = interval * kMassPerYear / kYearDays + kMassTolerance;
-  if (record.mass_change2 > allowed || record.mass_change2 <= 0.0) {
-    std::cout << "Error804. Mining Data Error on the line " << printed_line(record.line2)
-              << ": The mass of resources obtained on the asteroid is unreasonable."
-              << std::endl;
+  const double allowed = interval * kMinedPerYear / kJulianYear + kMassTolerance;
+  const double collected = record.mass_change2;
+  auto unreasonable = [&] {
+    return line_message("Error804. Mining Data Error on the line ", line2,
+                        ": The mass of resources obtained on the asteroid is unreasonable.");
+  };
+  const bool within = !(collected > allowed);
+  const bool something = !(collected <= 0.0);
+  valid = valid && within && something;
+  if (!findings.check(Rule::collected_mass, within, collected, allowed, {line2}, 0, unreasonable) ||
+      !findings.check(Rule::collected_something, something, collected, 0.0, {line2}, 0,
+                      unreasonable)) {
     return 0;
   }
+  if (!valid) return 0;
   // The resources count only if the collecting ship unloaded at the Earth at or after
   // the collection.
   return record.epoch2 <= record.time_of_LRE2 ? 1 : -1;
 }
 
-bool CheckVisitDm(std::vector<ShipClass>& ships, int num_ships,
-                  std::vector<DmStructAsteroid>& asteroid_table,
-                  std::vector<StoreDmStruct>& store) {
-  using namespace kavren;
+bool check_mining_ledger(const std::vector<ShipClass>& ships, int num_ships,
+                         std::vector<DmStructAsteroid>& asteroid_table,
+                         std::vector<StoreDmStruct>& store, Findings& findings) {
   // Never walk past the ships actually held, whatever count is reported.
   std::size_t ship_count = num_ships > 0 ? static_cast<std::size_t>(num_ships) : 0;
   if (ship_count > ships.size()) ship_count = ships.size();
@@ -102,24 +101,33 @@ bool CheckVisitDm(std::vector<ShipClass>& ships, int num_ships,
         record.time_of_LRE1 = time_of_LRE;
         record.epoch1 = epoch;
         record.mass_change1 = mass_change;
-      } else if (record.num_rendezvous == 1) {
-        record.num_rendezvous = 2;
-        record.line2 = line;
-        record.time_of_LRE2 = time_of_LRE;
-        record.epoch2 = epoch;
-        record.mass_change2 = mass_change;
-        const int verdict = check_DmStructAsteroid(record);
-        if (verdict == 0) return false;
-        if (verdict == 1) {
-          StoreDmStruct mined;
-          mined.asteroid_id = visit.body_id;
-          mined.mass = record.mass_change2;  // after the slots were put in time order
-          store.push_back(mined);
-        }
-      } else {
-        std::cout << "Error805. Mining Data Error on the line" << printed_line(line)
-                  << ": The asteroid is rendezvous more than twice." << std::endl;
+        continue;
+      }
+      const bool third = record.num_rendezvous >= 2;
+      const long long shown = printed_line(line);
+      if (!findings.check(Rule::rendezvous_count, !third, record.num_rendezvous + 1.0, 2.0,
+                          {shown}, ship.ship_id, [&] {
+                            return line_message("Error805. Mining Data Error on the line", shown,
+                                                ": The asteroid is rendezvous more than twice.");
+                          })) {
         return false;
+      }
+      if (third) {
+        if (record.num_rendezvous < 3) record.num_rendezvous = 3;
+        continue;
+      }
+      record.num_rendezvous = 2;
+      record.line2 = line;
+      record.time_of_LRE2 = time_of_LRE;
+      record.epoch2 = epoch;
+      record.mass_change2 = mass_change;
+      const int verdict = check_mining_pair(record, findings);
+      if (findings.stopped()) return false;
+      if (verdict == 1) {
+        StoreDmStruct mined;
+        mined.asteroid_id = visit.body_id;
+        mined.mass = record.mass_change2;  // after the slots were put in time order
+        store.push_back(mined);
       }
     }
   }
@@ -127,11 +135,35 @@ bool CheckVisitDm(std::vector<ShipClass>& ships, int num_ships,
   // An asteroid met only once must have received its miner. The line number of this
   // message is printed as a floating-point value (large numbers in exponent form).
   for (const DmStructAsteroid& record : asteroid_table) {
-    if (record.num_rendezvous == 1 && leaves_no_miner(record.mass_change1)) {
-      print_miner_mismatch_prefix();
-      std::cout << static_cast<double>(record.line1) + 1.0 << kMinerMismatchText << std::endl;
+    if (record.num_rendezvous != 1) continue;
+    const double miner_error = miner_mass_error(record.mass_change1);
+    const long long line = printed_line(record.line1);
+    if (!findings.check(Rule::miner_mass, !(miner_error > kMassTolerance), miner_error,
+                        kMassTolerance, {line}, 0, [&] {
+                          std::ostringstream text;
+                          text << kMinerMismatch << static_cast<double>(record.line1) + 1.0
+                               << kMinerMismatchText << '\n';
+                          return text.str();
+                        })) {
       return false;
     }
   }
   return true;
+}
+
+}  // namespace kavren
+
+int check_DmStructAsteroid(DmStructAsteroid& record) {
+  kavren::Findings findings(true);
+  const int verdict = kavren::check_mining_pair(record, findings);
+  kavren::announce(findings);
+  return verdict;
+}
+
+bool CheckVisitDm(std::vector<ShipClass>& ships, int num_ships,
+                  std::vector<DmStructAsteroid>& asteroid_table,
+                  std::vector<StoreDmStruct>& store) {
+  kavren::Findings findings(true);
+  kavren::check_mining_ledger(ships, num_ships, asteroid_table, store, findings);
+  return kavren::announce(findings);
 }

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "records/findings.h"
 #include "records/records.h"
 
 struct DmStructAsteroid {
@@ -28,3 +29,14 @@ bool CheckVisitDm(std::vector<ShipClass>& ships, int num_ships,
                   std::vector<StoreDmStruct>& store);
 // 1: valid pair, delivered; -1: valid pair, not delivered; 0: a rule failed (printed).
 int check_DmStructAsteroid(DmStructAsteroid& record);
+
+namespace kavren {
+
+// CheckVisitDm on a findings collector; false when the collector says to stop.
+bool check_mining_ledger(const std::vector<ShipClass>& ships, int num_ships,
+                         std::vector<DmStructAsteroid>& asteroid_table,
+                         std::vector<StoreDmStruct>& store, Findings& findings);
+// check_DmStructAsteroid on a findings collector: 1, -1, or 0 when a rule failed.
+int check_mining_pair(DmStructAsteroid& record, Findings& findings);
+
+}  // namespace kavren

@@ -4,7 +4,10 @@
 #include <fstream>
 #include <iomanip>
 #include <iostream>
+#include <sstream>
 
+#include "records/announce.h"
+#include "records/limits.h"
 #include "records/termination.h"
 
 namespace kavren {
@@ -12,9 +15,6 @@ namespace {
 
 // The fleet may grow with the average resource mass it delivers per ship: up to
 // 2·exp(0.004 · average) ships, never more than 100.
-constexpr double kGrowthPerKg = 0.004;
-constexpr int kMaxShips = 100;
-
 int allowed_ships(int num_ships, double total) {
   if (num_ships == 0) {
     // No ships: the average is total / 0, i.e. +inf or NaN (the masses are never
@@ -22,7 +22,7 @@ int allowed_ships(int num_ships, double total) {
     // is evaluated.
     return kMaxShips;
   }
-  const double e = std::exp(kGrowthPerKg * total / num_ships);
+  const double e = std::exp(kShipGrowthPerKg * total / num_ships);
   const double doubled = e + e;
   // Anything from 101 up, +inf and NaN is capped; below that the value is in [0, 101)
   // and truncates toward zero without leaving the int range.
@@ -31,21 +31,38 @@ int allowed_ships(int num_ships, double total) {
 }
 
 }  // namespace
-}  // namespace kavren
 
-bool Test_MotherShipNum(int num_ships, const std::vector<StoreDmStruct>& store, double& total) {
+bool check_ship_count(int num_ships, const std::vector<StoreDmStruct>& store, double& total,
+                      Findings& findings) {
   double sum = 0.0;
   for (const StoreDmStruct& mined : store) sum += mined.mass;
   total = sum;
+  const int maximum = allowed_ships(num_ships, sum);
+  return findings.check(Rule::ship_count, !(maximum < num_ships), num_ships, maximum, {}, 0, [&] {
+    return "Error301. Mining Ship Number Error: The number of Mining Ships is " +
+           std::to_string(num_ships) + ", greater than the appropriable maximum number " +
+           std::to_string(maximum) + ".\n";
+  });
+}
 
-  const int maximum = kavren::allowed_ships(num_ships, sum);
-  if (maximum < num_ships) {
-    std::cout << "Error301. Mining Ship Number Error: The number of Mining Ships is " << num_ships
-              << ", greater than the appropriable maximum number " << maximum << "."
-              << std::endl;
-    kavren::end_run(3);
+std::string score_file_text(const std::vector<StoreDmStruct>& store) {
+  std::ostringstream file;
+  file << store.size() << '\n';
+  // Masses in general notation with 17 significant digits, enough to read back the
+  // exact double.
+  file << std::setprecision(17);
+  for (const StoreDmStruct& mined : store) {
+    file << std::setw(20) << mined.asteroid_id << std::setw(30) << mined.mass << '\n';
   }
-  return true;
+  return file.str();
+}
+
+}  // namespace kavren
+
+bool Test_MotherShipNum(int num_ships, const std::vector<StoreDmStruct>& store, double& total) {
+  kavren::Findings findings(true);
+  kavren::check_ship_count(num_ships, store, total, findings);
+  return kavren::announce(findings, true);
 }
 
 bool Output_Solution(const std::vector<StoreDmStruct>& store) {
@@ -54,14 +71,8 @@ bool Output_Solution(const std::vector<StoreDmStruct>& store) {
     std::cout << "ErrorA00. File Open Error: Cannot find this file 'ScoreData.txt'." << std::endl;
     kavren::end_run(0);
   }
-  file << store.size() << std::endl;
-  // Masses in general notation with 17 significant digits, enough to read back the
-  // exact double.
-  file << std::setprecision(17);
-  for (const StoreDmStruct& mined : store) {
-    file << std::setw(20) << mined.asteroid_id << std::setw(30) << mined.mass << std::endl;
-  }
-  // A failed flush or close does not change the verdict.
+  // A failed write or close does not change the verdict.
+  file << kavren::score_file_text(store);
   file.close();
   return true;
 }

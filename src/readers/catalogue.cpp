@@ -8,26 +8,17 @@
 #include <string_view>
 #include <system_error>
 
+#include <memory>
+
 #include "readers/file_bytes.h"
 #include "readers/tokenizer.h"
 #include "records/termination.h"
 
-double** t_eles_asteroids = nullptr;
-
 namespace kavren {
 namespace {
 
-// One contiguous block of rows behind the row pointers, zeroed: a short or malformed
-// catalogue leaves the rows it never reaches at zero.
-double* g_rows = nullptr;
-
-void allocate_table() {
-  g_rows = new double[static_cast<std::size_t>(kNumAsteroids) * kCatalogueColumns]();
-  t_eles_asteroids = new double*[kNumAsteroids];
-  for (int n = 0; n < kNumAsteroids; ++n) {
-    t_eles_asteroids[n] = g_rows + static_cast<std::size_t>(n) * kCatalogueColumns;
-  }
-}
+// The table behind the process-wide t_eles_asteroids.
+std::unique_ptr<AsteroidTable> g_loaded;
 
 // Stream extraction reads numbers separated by any white space. Plain tokens ("12",
 // "-3.5e2") are converted here with the same result the stream gives; at the first
@@ -123,6 +114,17 @@ class CatalogueScanner {
 };
 
 }  // namespace
+
+void read_catalogue(std::string_view text, AsteroidTable& table) {
+  // Without a line break the whole text is the header and every row stays as it is.
+  const std::size_t header_end = text.find('\n');
+  if (header_end == std::string_view::npos) return;
+  CatalogueScanner scanner(text.substr(header_end + 1));
+  for (int id = 1; id <= kNumAsteroids; ++id) {
+    if (!scanner.read_record(table.row(id))) break;
+  }
+}
+
 }  // namespace kavren
 
 void ReadAsteroidsData(const char* file_name) {
@@ -132,23 +134,14 @@ void ReadAsteroidsData(const char* file_name) {
     kavren::end_run(1);
   }
   clear_info();
-  kavren::allocate_table();
-
-  // The header line is dropped whatever it holds; without a line break the whole file
-  // is the header and every row stays zero.
-  const std::size_t header_end = bytes.find('\n');
-  if (header_end == std::string::npos) return;
-  kavren::CatalogueScanner scanner(std::string_view(bytes).substr(header_end + 1));
-  for (int n = 0; n < kavren::kNumAsteroids; ++n) {
-    if (!scanner.read_record(t_eles_asteroids[n])) break;
-  }
+  kavren::g_loaded = std::make_unique<kavren::AsteroidTable>();
+  kavren::read_catalogue(bytes, *kavren::g_loaded);
+  t_eles_asteroids = kavren::g_loaded->mutable_rows();
 }
 
 void clear_info() {
-  // The rows live in one block behind the row pointers; the pointer is reset so that a
-  // released table is never read.
-  delete[] t_eles_asteroids;
-  delete[] kavren::g_rows;
+  // The pointer is reset so that a released table is never read.
   t_eles_asteroids = nullptr;
-  kavren::g_rows = nullptr;
+  kavren::g_loaded.reset();
 }
+

@@ -1,17 +1,23 @@
-// The asteroid catalogue: 60,000 rows of 7 doubles (epoch MJD, a AU, e, i deg,
-// RAAN deg, argument of periapsis deg, mean anomaly deg), asteroid ID k in row k-1.
+// The asteroid catalogue file: a header line, then 60,000 records of an ID and seven
+// numbers (epoch MJD, a AU, e, i deg, RAAN deg, argument of periapsis deg, mean anomaly
+// deg), asteroid ID k in row k-1, read as stream extraction reads numbers.
 #pragma once
 
+#include <string_view>
+
+#include "astro/ephemeris.h"
+
 namespace kavren {
-constexpr int kNumAsteroids = 60000;
-constexpr int kCatalogueColumns = 7;
+
+// Fills `table` from the catalogue's text. The header line is dropped whatever it
+// holds; reading stops at the first record the stream cannot read, leaving the rows it
+// never reaches as they are.
+void read_catalogue(std::string_view text, AsteroidTable& table);
+
 }  // namespace kavren
 
-// Process-wide table filled by ReadAsteroidsData; null when no catalogue is loaded.
-extern double** t_eles_asteroids;
-
-// Loads the catalogue; prints ErrorA00 and ends the run with status 1 when the file
-// cannot be opened.
+// Loads the catalogue into t_eles_asteroids; prints ErrorA00 and ends the run with
+// status 1 when the file cannot be opened.
 void ReadAsteroidsData(const char* file_name);
-// Releases the table.
+// Releases t_eles_asteroids.
 void clear_info();

@@ -1,18 +1,15 @@
 #include "readers/ship_assembly.h"
 
 #include <cmath>
-#include <iostream>
 #include <iterator>
 #include <utility>
 
-#include "astro/ephemeris.h"
+#include "events/encounters.h"
 #include "readers/tokenizer.h"
+#include "records/limits.h"
 
 namespace kavren {
 namespace {
-
-constexpr double kDropVinfLimit = 6.001;        // km/s; looser than the 6.0 of the message
-constexpr double kMassChangeTolerance = 0.001;  // kg
 
 std::string_view token(const std::vector<std::string_view>& tokens, std::size_t k) {
   return k < tokens.size() ? tokens[k] : std::string_view();
@@ -20,7 +17,8 @@ std::string_view token(const std::vector<std::string_view>& tokens, std::size_t 
 
 }  // namespace
 
-ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship) : ordinal_(ordinal), ship_(ship) {
+ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship, Findings& findings)
+    : ordinal_(ordinal), ship_(ship), findings_(findings) {
   ship_.ship_id = ordinal;
 }
 
@@ -57,11 +55,15 @@ void ShipAssembler::finish() { ship_.set_final_mass(previous_.mass); }
 
 bool ShipAssembler::add_event_pair() {
   // The order within a pair: its epoch, its own record, then the arc lines before it.
-  if (first_.epoch <= previous_.epoch) {
-    std::cout << "Error005. Event Time Error on the line" << first_.line_index + 1
-              << ": The epoch of the launch, rendezvous, or flyby is earlier than the epoch "
-                 "of last launch, rendezvous, or flyby."
-              << std::endl;
+  const long long line = printed_line(first_.line_index);
+  if (!findings_.check(Rule::event_order, !(first_.epoch <= previous_.epoch),
+                       first_.epoch - previous_.epoch, 0.0,
+                       {line, printed_line(previous_.line_index)}, ordinal_, [&] {
+                         return line_message("Error005. Event Time Error on the line", line,
+                                             ": The epoch of the launch, rendezvous, or flyby "
+                                             "is earlier than the epoch of last launch, "
+                                             "rendezvous, or flyby.");
+                       })) {
     return false;
   }
   if (!record_event(first_id_)) return false;
@@ -96,19 +98,26 @@ bool ShipAssembler::record_event(int event_id) {
 // Resources are dropped at Earth flybys slow enough for it; a drop closes the current
 // group of collections, which it must balance.
 bool ShipAssembler::record_earth_drop(double mass_change) {
-  const double vinf = get_vinf(-3, first_);
-  if (vinf <= kDropVinfLimit) {
+  // The Earth's state needs no catalogue.
+  const double vinf = excess_speed(-3, first_, nullptr);
+  const long long line = printed_line(first_.line_index);
+  if (vinf <= kMaxExcessSpeed) {
+    findings_.evaluate(Rule::drop_speed, true, vinf, kMaxExcessSpeed, line, ordinal_);
     group_.push_back(DmStructShip{second_.line_index, mass_change, first_.epoch});
     ship_.dm_groups.push_back(std::move(group_));
     group_.clear();
     return true;
   }
-  if (std::fabs(mass_change) <= kMassChangeTolerance) return true;  // an ordinary flyby
-  std::cout << "Error806. Mining Data Error on the line" << first_.line_index + 1
-            << ": The hyperbolic excess velocity of the ship relative to the Earth should "
-               "not be larger than 6.0 km/s  at the moment of dropping resources."
-            << std::endl;
-  return false;
+  if (std::fabs(mass_change) <= kMassTolerance) return true;  // an ordinary flyby
+  // Too fast to drop: the pair stays an ordinary flyby for a collector that goes on.
+  return findings_.check(Rule::drop_speed, false, vinf, kMaxExcessSpeed,
+                         {line, printed_line(second_.line_index)}, ordinal_, [&] {
+                           return line_message(
+                               "Error806. Mining Data Error on the line", line,
+                               ": The hyperbolic excess velocity of the ship relative to the "
+                               "Earth should not be larger than 6.0 km/s  at the moment of "
+                               "dropping resources.");
+                         });
 }
 
 // The arc from the previous event's second line to this event's first line: no lines
@@ -117,8 +126,11 @@ bool ShipAssembler::close_arc() {
   const int gap = first_.line_index - previous_.line_index;
   if (gap >= 2 && gap <= 4) {
     // This message prints the 0-based index of the line that opens the arc.
-    std::cout << "ErrorA03:  File Format Error on the line " << previous_.line_index
-              << ": The number of lines in this burning arc is unreasonable." << std::endl;
+    findings_.fail(Rule::count,
+                   line_message("ErrorA03:  File Format Error on the line ",
+                                previous_.line_index,
+                                ": The number of lines in this burning arc is unreasonable."),
+                   {printed_line(previous_.line_index)}, ordinal_);
     return false;
   }
   BurningArc arc;

@@ -5,18 +5,19 @@
 #include <string_view>
 #include <vector>
 
+#include "records/findings.h"
 #include "records/records.h"
 
 namespace kavren {
 
 class ShipAssembler {
  public:
-  // Ship number `ordinal` (1-based), written into `ship`.
-  ShipAssembler(int ordinal, ShipClass& ship);
+  // Ship number `ordinal` (1-based), written into `ship`; violations go to `findings`.
+  ShipAssembler(int ordinal, ShipClass& ship, Findings& findings);
 
   // One line of the ship, its trimmed text and 0-based file index. The first two are
-  // the launch pair; then event pairs with burning-arc lines between them. Prints the
-  // message of the first violation and returns false.
+  // the launch pair; then event pairs with burning-arc lines between them. False when
+  // the reading must end.
   bool add_line(int index, std::string_view text);
   // Sets the final mass: that of the ship's last event line. Arc lines after the last
   // event pair close no arc and are ignored.
@@ -30,6 +31,7 @@ class ShipAssembler {
 
   int ordinal_;
   ShipClass& ship_;
+  Findings& findings_;
   int lines_seen_ = 0;
   std::vector<std::string_view> tokens_;
 

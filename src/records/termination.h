@@ -1,7 +1,6 @@
-// Checks that end the whole run (the reference behaviour calls exit with a status)
-// throw a Termination instead; the driver catches it, flushes standard output and
-// returns the carried status, so the observable bytes and status are unchanged and
-// the checks stay testable in-process.
+// A check that ends the whole run with an exit status throws a Termination; the caller
+// that owns the process (or a test) catches it, so standard output is flushed and the
+// checks stay callable in-process.
 #pragma once
 
 namespace kavren {

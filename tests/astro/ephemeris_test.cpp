@@ -1,4 +1,5 @@
 #include "astro/ephemeris.h"
+#include "events/encounters.h"
 
 #include <gtest/gtest.h>
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "astro/ephemeris.h"
+#include "events/encounters.h"
 #include "support/e2e.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Burning arcs: the layout walk of their lines, the integration through coasts and thrust
 // phases, and the comparison with the state written at their end.
-#include "lowthrust/arc_checks.h"
+#include "lowthrust/arc_stage.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,9 @@
 
 #include "support/capture.h"
 #include "kepler_reference.h"
-#include "lowthrust/arc_propagation.h"
-#include "lowthrust/arc_scheduler.h"
+#include "astro/constants.h"
+#include "lowthrust/arc_data.h"
+#include "lowthrust/arc_integration.h"
 #include "lowthrust/dynamics.h"
 
 namespace {
@@ -335,13 +336,6 @@ TEST(ArcPropagation, ShipsAreCheckedInOrderUntilTheFirstFailure) {
 
 // --- Arcs on worker threads ---------------------------------------------------------------
 
-// Sets the worker count for the scope of one check.
-class Workers {
- public:
-  explicit Workers(int n) { setenv("KAVREN_THREADS", std::to_string(n).c_str(), 1); }
-  ~Workers() { unsetenv("KAVREN_THREADS"); }
-};
-
 // Ships of good arcs with failures planted at the given arc positions: a layout error
 // (status 0) at even positions, an end state 5000 km off (status 1) at odd ones.
 std::vector<ShipClass> fleet(int arcs, const std::vector<int>& failing) {
@@ -369,6 +363,23 @@ Outcome sequential(const std::vector<ShipClass>& ships) {
   });
 }
 
+// The stage on n workers, as a run that stops at the first failure prints it.
+Outcome on_workers(const std::vector<ShipClass>& ships, int workers, std::uint64_t* evaluations) {
+  kavren::Findings findings(true);
+  kavren::ArcStageOptions options;
+  options.workers = workers;
+  kavren::ArcStageResult result;
+  kavren::check_arcs(ships, findings, options, result);
+  if (evaluations != nullptr) *evaluations = result.evaluations;
+  Outcome o;
+  if (findings.any()) {
+    o.out = findings.findings().front().message;
+    o.ended = true;
+    o.status = findings.findings().front().exit_status;
+  }
+  return o;
+}
+
 TEST(ArcWorkers, FirstFailureInFileOrderWhateverTheWorkerCount) {
   const std::vector<std::vector<int>> plans = {
       {}, {0}, {23}, {5, 2}, {22, 3}, {7, 8, 21}, {1, 2, 3, 4, 5}, {19, 11}};
@@ -376,8 +387,7 @@ TEST(ArcWorkers, FirstFailureInFileOrderWhateverTheWorkerCount) {
     const std::vector<ShipClass> ships = fleet(24, plan);
     const Outcome expected = sequential(ships);
     for (int workers : {1, 2, 4, 7}) {
-      Workers scope(workers);
-      const Outcome got = capture([&] { CheckBuringArc(ships); });
+      const Outcome got = on_workers(ships, workers, nullptr);
       EXPECT_EQ(got.out, expected.out) << workers << " workers";
       EXPECT_EQ(got.ended, expected.ended);
       EXPECT_EQ(got.status, expected.status);
@@ -387,29 +397,11 @@ TEST(ArcWorkers, FirstFailureInFileOrderWhateverTheWorkerCount) {
 
 TEST(ArcWorkers, EveryArcIsIntegratedOnceAcrossWorkers) {
   const std::vector<ShipClass> ships = fleet(16, {});
-  std::uint64_t one = 0;
-  {
-    Workers scope(1);
-    CheckBuringArc(ships);
-    one = kavren::last_arc_stage_evaluations();
-  }
-  Workers scope(3);
-  CheckBuringArc(ships);
+  std::uint64_t one = 0, three = 0;
+  on_workers(ships, 1, &one);
+  on_workers(ships, 3, &three);
   EXPECT_GT(one, 0u);
-  EXPECT_EQ(kavren::last_arc_stage_evaluations(), one);
-}
-
-TEST(ArcWorkers, WorkerCountFromTheEnvironment) {
-  {
-    Workers scope(3);
-    EXPECT_EQ(kavren::arc_worker_count(), 3);
-  }
-  for (const char* text : {"0", "-2", "abc", "4x", ""}) {
-    setenv("KAVREN_THREADS", text, 1);
-    EXPECT_GE(kavren::arc_worker_count(), 1) << text;
-  }
-  unsetenv("KAVREN_THREADS");
-  EXPECT_GE(kavren::arc_worker_count(), 1);
+  EXPECT_EQ(three, one);
 }
 
 }  // namespace

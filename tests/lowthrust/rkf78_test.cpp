@@ -2,6 +2,8 @@
 // status flags of its driver.
 #include "lowthrust/rkf78.h"
 
+#include "astro/constants.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>

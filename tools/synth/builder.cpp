@@ -7,8 +7,9 @@
 #include <stdexcept>
 
 #include "astro/ephemeris.h"
-#include "lowthrust/arc_checks.h"
-#include "lowthrust/arc_propagation.h"
+#include "events/encounters.h"
+#include "lowthrust/arc_data.h"
+#include "lowthrust/arc_integration.h"
 #include "synth/text.h"
 
 namespace synth {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "astro/ephemeris.h"
+#include "events/encounters.h"
 #include "synth/lambert.h"
 #include "synth/rng.h"
 #include "synth/text.h"

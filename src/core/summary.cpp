@@ -1,0 +1,75 @@
+#include "core/summary.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "records/limits.h"
+
+namespace kavren {
+namespace {
+
+EventMark mark(const char* kind, int body_id, const StateStruct& s) {
+  EventMark m;
+  m.kind = kind;
+  m.body_id = body_id;
+  m.line = printed_line(s.line_index);
+  m.epoch = s.epoch;
+  for (int i = 0; i < 3; ++i) m.r[i] = s.r[i];
+  m.mass = s.mass;
+  return m;
+}
+
+}  // namespace
+
+std::string summary_text(int num_ships, std::size_t num_mined, double total_mass) {
+  std::ostringstream out;
+  out << "Check successfully!\n";
+  out << "The number of mining ships is " << num_ships << " ;\n";
+  out << "The number of mined asteroids is " << num_mined << " ;\n";
+  out << "The total resource mass is " << total_mass << " kg.\n";
+  return out.str();
+}
+
+Summary summarise(const std::vector<ShipClass>& ships, int num_ships,
+                  const std::vector<StoreDmStruct>& store, double total_mass,
+                  const std::vector<int>& thrust_phases) {
+  Summary summary;
+  summary.ships = num_ships;
+  summary.mined_asteroids = store.size();
+  summary.total_resource_mass = total_mass;
+  for (std::size_t s = 0; s < ships.size(); ++s) {
+    const ShipClass& ship = ships[s];
+    ShipSummary row;
+    row.ship = ship.ship_id;
+    row.launch_epoch = ship.launch.state_before.epoch;
+    row.final_mass = ship.final_mass;
+    for (const VisitClass& visit : ship.visits) {
+      if (visit.mass_change < 0.0) {
+        ++row.miners;
+      } else {
+        row.resources += visit.mass_change;
+      }
+    }
+    for (auto group = ship.dm_groups.rbegin(); group != ship.dm_groups.rend(); ++group) {
+      if (!group->empty()) {
+        row.last_drop_epoch = group->back().epoch;
+        break;
+      }
+    }
+    row.thrust_phases = s < thrust_phases.size() ? thrust_phases[s] : 0;
+    row.events.push_back(mark("launch", ship.launch.body_id, ship.launch.state_before));
+    for (const FlybyClass& flyby : ship.flybys) {
+      const bool drop = flyby.body_id == -3 && flyby.mass_change < -kMassTolerance;
+      row.events.push_back(mark(drop ? "drop" : "flyby", flyby.body_id, flyby.state_before));
+    }
+    for (const VisitClass& visit : ship.visits) {
+      row.events.push_back(mark("rendezvous", visit.body_id, visit.state_before));
+    }
+    std::stable_sort(row.events.begin(), row.events.end(),
+                     [](const EventMark& a, const EventMark& b) { return a.line < b.line; });
+    summary.per_ship.push_back(std::move(row));
+  }
+  return summary;
+}
+
+}  // namespace kavren

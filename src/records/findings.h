@@ -1,0 +1,104 @@
+// Checks report what they find as values: every evaluation of a rule updates that
+// rule's row (count, worst value, margin), every violation becomes a Finding with the
+// exact message kavren-check prints for it. A collector made to stop at the first
+// violation tells the checks to stop; printing is the caller's business.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "kavren/report.h"
+
+namespace kavren {
+
+// Every rule with a quantity, in the order a run checks them.
+enum class Rule : int {
+  epoch_start, epoch_end, event_order, drop_speed,
+  launch_time, launch_position, launch_mass, launch_initial_mass, launch_speed,
+  launch_earth_position, launch_earth_velocity,
+  flyby_time, flyby_position, flyby_mass, flyby_planet_position, flyby_speed_change, flyby_turn,
+  visit_time, visit_position, visit_velocity, visit_asteroid_position, visit_asteroid_velocity,
+  resource_balance, miners_per_ship, final_mass,
+  mining_interval, miner_mass, collected_mass, collected_something, rendezvous_count,
+  thrust_magnitude, thrust_step_order, thrust_step_length,
+  phase_start, arc_end_order, sun_distance, arc_position, arc_velocity, arc_mass,
+  ship_count,
+  count
+};
+
+struct RuleInfo {
+  const char* id;
+  const char* code;
+  const char* quantity;
+  const char* unit;
+  const char* relation;  // value relation limit must hold: "<=", "<", ">=", ">"
+};
+const RuleInfo& rule_info(Rule rule);
+
+// kavren-check's exit status when a message with this code is its verdict.
+int exit_status_of(const std::string& code, const std::string& message);
+
+// The 1-based line number of a 0-based line index, in 64 bits so that no index overflows.
+inline long long printed_line(int index) { return static_cast<long long>(index) + 1; }
+
+// "prefix<line>suffix\n": the shape of most messages (line printed 1-based).
+std::string line_message(const char* prefix, long long line, const char* suffix);
+
+class Findings {
+ public:
+  explicit Findings(bool stop_at_first) : stop_at_first_(stop_at_first) {}
+
+  // One evaluation of `rule`; `holds` is the rule's own verdict on the value. On a
+  // violation the finding's code and message come from `message()` (a callable
+  // returning std::string). Returns false when the checks must stop.
+  template <class Message>
+  bool check(Rule rule, bool holds, double value, double limit, std::initializer_list<long long> lines,
+             int ship, Message&& message) {
+    evaluate(rule, holds, value, limit, lines.size() ? *lines.begin() : 0, ship);
+    if (holds) return true;
+    return fail(rule, message(), lines, ship, value, limit);
+  }
+
+  // Records one evaluation only.
+  void evaluate(Rule rule, bool holds, double value, double limit, long long line, int ship);
+  // A violation of `rule` (Rule::count: a rule without a quantity, e.g. the layout of a
+  // thrust table). Returns false when the checks must stop.
+  bool fail(Rule rule, std::string message, std::initializer_list<long long> lines, int ship,
+            double value = kNotANumber, double limit = kNotANumber);
+  bool fail(Finding finding);
+  void warn(std::string kind, std::string message, std::vector<long long> lines, int ship,
+            std::string rule = {});
+
+  bool stop_at_first() const { return stop_at_first_; }
+  // True once a stopping collector holds a finding.
+  bool stopped() const { return stop_at_first_ && !findings_.empty(); }
+  bool any() const { return !findings_.empty(); }
+
+  // Appends what `later` collected, as if its checks had run after these.
+  void merge(Findings&& later);
+
+  std::vector<Finding>& findings() { return findings_; }
+  // The constraint rows of the rules evaluated at least once, and the warnings, with
+  // those of limits met within 0.1 % of their size added.
+  std::vector<Constraint> constraints() const;
+  std::vector<Warning> warnings() const;
+
+ private:
+  struct Row {
+    std::uint64_t evaluations = 0, violations = 0;
+    double worst = kNotANumber, limit = kNotANumber, margin = kNotANumber;
+    long long line = 0;
+    int ship = 0;
+    bool nan_warned = false;
+  };
+  static double margin_of(Rule rule, double value, double limit);
+
+  bool stop_at_first_;
+  std::vector<Finding> findings_;
+  std::vector<Warning> warnings_;
+  Row rows_[static_cast<int>(Rule::count)];
+};
+
+}  // namespace kavren
