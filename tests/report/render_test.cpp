@@ -66,14 +66,14 @@ TEST(RenderHtml, QuotesNamedLinesAndEscapesEverything) {
   // Every line a finding names is quoted with its number and text.
   for (const Finding& f : c.report.findings) {
     if (f.code == "ErrorA10") continue;
-    for (int line : f.lines) {
+    for (long long line : f.lines) {
       std::size_t start = 0;
-      for (int k = 1; k < line; ++k) start = c.text.find('\n', start) + 1;
+      for (long long k = 1; k < line; ++k) start = c.text.find('\n', start) + 1;
       std::string text = c.text.substr(start, c.text.find('\n', start) - start);
       for (char& ch : text)
         if (ch == '\t') ch = ' ';
       char number[16];
-      std::snprintf(number, sizeof number, "%7d", line);
+      std::snprintf(number, sizeof number, "%7lld", line);
       EXPECT_NE(page.find(std::string(number) + " │ " + text), std::string::npos) << line;
     }
   }

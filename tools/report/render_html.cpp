@@ -69,7 +69,7 @@ std::string number_cell(double x, const std::string& unit) {
   return cell + "</td>";
 }
 
-std::string join_lines(const std::vector<int>& lines) {
+std::string join_lines(const std::vector<long long>& lines) {
   std::string s;
   for (std::size_t k = 0; k < lines.size() && k < 8; ++k) s += (k ? ", " : "") + std::to_string(lines[k]);
   if (lines.size() > 8) s += ", … (" + std::to_string(lines.size()) + ")";
@@ -104,11 +104,11 @@ struct Place {
 std::map<Place, std::string> violated_places(const Report& r) {
   std::map<Place, std::string> places;
   for (const Finding& f : r.findings) {
-    for (int line : f.lines) {
+    for (long long line : f.lines) {
       for (const ShipSummary& s : r.summary.per_ship) {
         if (f.ship != 0 && s.ship != f.ship) continue;
         for (std::size_t k = 0; k < s.events.size(); ++k) {
-          const int first = s.events[k].line;
+          const long long first = s.events[k].line;
           const bool in_pair = line == first || line == first + 1;
           const bool ends_arc = line < first && (k == 0 || line > s.events[k - 1].line + 1) &&
                                 f.ship == s.ship;
@@ -528,13 +528,13 @@ std::string findings_table(const Checked& c, const std::vector<std::string_view>
     if (!f.lines.empty()) {
       html += "<pre class=\"quoted\">";
       for (std::size_t q = 0; q < f.lines.size() && q < kMaxLinesQuoted; ++q) {
-        const int n = f.lines[q];
+        const long long n = f.lines[q];
         std::string_view text = n >= 1 && static_cast<std::size_t>(n) <= lines.size()
                                     ? lines[static_cast<std::size_t>(n - 1)]
                                     : std::string_view("(no such line)");
         if (text.size() > 300) text = text.substr(0, 300);
         char number[24];
-        std::snprintf(number, sizeof number, "%7d │ ", n);
+        std::snprintf(number, sizeof number, "%7lld │ ", n);
         html += number + escape(text) + "\n";
       }
       if (f.lines.size() > kMaxLinesQuoted) {

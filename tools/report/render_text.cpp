@@ -69,7 +69,7 @@ std::string table(const std::vector<std::string>& heading, const std::vector<Ali
   return out;
 }
 
-std::string line_list(const std::vector<int>& lines) {
+std::string line_list(const std::vector<long long>& lines) {
   std::string s;
   for (std::size_t k = 0; k < lines.size(); ++k) {
     if (k == 4) return s + ",… (" + std::to_string(lines.size()) + ")";

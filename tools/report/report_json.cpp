@@ -12,9 +12,9 @@ Json number(double x) {
 }
 
 template <class Json>
-Json lines(const std::vector<int>& values) {
+Json lines(const std::vector<long long>& values) {
   Json array = Json::array();
-  for (int v : values) array.push_back(v);
+  for (long long v : values) array.push_back(v);
   return array;
 }
 
