@@ -18,7 +18,7 @@
 
 #include "kavren/report.h"
 #include "kavren/verify.h"
-#include "report_json.h"
+#include "report/report_json.h"
 
 namespace py = pybind11;
 
@@ -27,14 +27,7 @@ namespace {
 static_assert(offsetof(kavren::TrajectoryPoint, thrust) == 8 * sizeof(double),
               "a trajectory point is nine doubles, epoch first and thrust last");
 
-const char* outcome_name(kavren::Outcome outcome) {
-  switch (outcome) {
-    case kavren::Outcome::verified: return "verified";
-    case kavren::Outcome::limit_reached: return "limit_reached";
-    case kavren::Outcome::out_of_memory: return "out_of_memory";
-  }
-  return "verified";
-}
+using kavren::outcome_name;
 
 // A number for people: six significant digits, "nan" and "inf" as they are.
 std::string num(double x) {

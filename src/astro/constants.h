@@ -19,6 +19,7 @@ constexpr double kTU = 5022642.890912784;           // s
 constexpr double kACC = 5.930083519670628e-06;      // km/s^2, VU / TU
 constexpr double kStandardGravity = 0.00980665;     // km/s^2, for the engine's exhaust speed
 constexpr double kSpecificImpulse = 4000.0;         // s, the engine's
+constexpr double kKilonewtonsPerNewton = 0.001;     // thrust N to kg km/s^2
 
 // MJD to canonical time since the element epoch.
 inline double mjd_to_tu(double mjd) {

@@ -81,6 +81,14 @@ void body_state(int& flag, double* rv, int id, double t, AsteroidRows asteroids)
   state_of(flag, rv, id, t, asteroid ? asteroids[id - 1] : nullptr);
 }
 
+double speed_relative_to_body(int id, double t, const double* v, AsteroidRows asteroids) {
+  double body[6] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
+  int flag = 0;
+  body_state(flag, body, id, t, asteroids);
+  const double dx = v[0] - body[3], dy = v[1] - body[4], dz = v[2] - body[5];
+  return std::sqrt(dx * dx + dy * dy + dz * dz);
+}
+
 }  // namespace kavren
 
 void getrv_stats_asteroids(int& flag, double* rv, int id, double t) {

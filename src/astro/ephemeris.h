@@ -36,6 +36,10 @@ class AsteroidTable {
 // rv untouched when the Kepler solution fails or id is no known body.
 void body_state(int& flag, double* rv, int id, double t, AsteroidRows asteroids);
 
+// Speed (km/s) of velocity v (km/s) relative to body id at epoch t (MJD). A body whose
+// ephemeris fails is taken at rest at the Sun.
+double speed_relative_to_body(int id, double t, const double* v, AsteroidRows asteroids);
+
 }  // namespace kavren
 
 // The process-wide catalogue rows, asteroid k in row k-1, filled by ReadAsteroidsData;

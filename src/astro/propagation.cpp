@@ -14,7 +14,7 @@ using kavren::kTwoPi;
 namespace {
 
 // "For a parabolic orbit the initial true anomaly must lie between -180 and 180
-// degrees.", as the GBK-encoded bytes the toolkit has always written.
+// degrees.", in GBK-encoded bytes: the toolkit's one message, in its users' language.
 constexpr char kParabolicRangeMessage[] =
     "\xb6\xd4\xd3\xda\xc5\xd7\xce\xef\xcf\xdf\xb9\xec\xb5\xc0\x2c\xb3\xf5\xca\xbc\xd5\xe6"
     "\xbd\xfc\xb5\xe3\xbd\xc7\xd3\xa6\xd4\xda\x2d\x31\x38\x30\xd6\xc1\x31\x38\x30\xb6\xc8"
@@ -89,7 +89,8 @@ double f0ft2dt(int& flag, double f0, double ft, double a, double e, double mu) {
   if (e >= 1.0) {
     const double beta = kPi - std::acos(1.0 / e);
     if (std::min(f0, ft) < -beta || ft > beta) return 0.0;
-    // Unreachable after the test above; kept as the guard it has always been.
+    // A second guard on the anomalies beyond the asymptotes; the test above already
+    // returns for every such input.
     if (ft < -beta || f0 < -beta || f0 > beta) return 1.0e21;
   }
   const double n = std::sqrt(mu / (a * a * a));

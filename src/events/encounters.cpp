@@ -24,10 +24,7 @@ Planet planet(int id) {
 namespace kavren {
 
 double excess_speed(int id, const StateStruct& s, AsteroidRows asteroids) {
-  double body[6] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
-  int flag = 0;
-  body_state(flag, body, id, s.epoch, asteroids);
-  return norm3(s.v[0] - body[3], s.v[1] - body[4], s.v[2] - body[5]);
+  return speed_relative_to_body(id, s.epoch, s.v, asteroids);
 }
 
 void state_error(int id, const StateStruct& s, AsteroidRows asteroids, double& dr, double& dv) {

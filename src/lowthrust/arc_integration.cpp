@@ -317,10 +317,7 @@ bool integrate_and_compare(const BurningArc& arc, const ArcPhases& phases, Findi
   } catch (const SunApproach& at) {
     findings.evaluate(Rule::sun_distance, false, at.distance, kMinSunDistance, at.first_line,
                       run.ship);
-    std::ostringstream text;
-    text << "Error101. Position Error between line " << at.first_line << " and line "
-         << at.second_line << ": The distance to the Sun of the mining ship is less than 0.3 AU.\n";
-    return findings.fail(Rule::sun_distance, text.str(), {at.first_line, at.second_line},
+    return findings.fail(Rule::sun_distance, sun_approach_message(at), {at.first_line, at.second_line},
                          run.ship, at.distance, kMinSunDistance);
   }
   if (legs.min_distance < std::numeric_limits<double>::infinity()) {
@@ -347,10 +344,7 @@ void integrate_arc(const BurningArc& arc, int count, const std::vector<int>& sta
   try {
     integrate_legs(arc, phases, legs, y);
   } catch (const SunApproach& at) {
-    std::ostringstream text;
-    text << "Error101. Position Error between line " << at.first_line << " and line "
-         << at.second_line << ": The distance to the Sun of the mining ship is less than 0.3 AU.\n";
-    findings.fail(Rule::sun_distance, text.str(), {}, 0);
+    findings.fail(Rule::sun_distance, sun_approach_message(at), {}, 0);
   }
   announce(findings, true);
   to_physical(y, reached);

@@ -31,6 +31,9 @@ struct ArcOutcome {
 
 void check_one(const ArcRef& ref, bool stop_at_first, const ArcStageOptions& options,
                ArcOutcome& outcome) {
+  if (options.deadline != nullptr && std::chrono::steady_clock::now() > *options.deadline) {
+    throw DeadlineReached{};
+  }
   outcome.findings = std::make_unique<Findings>(stop_at_first);
   Findings& f = *outcome.findings;
   const int ship = ref.arc->ship_number;

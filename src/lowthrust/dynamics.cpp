@@ -59,16 +59,22 @@ void ThrustModel::operator()(double t, const double* y, double* dy) {
     if (i >= 0) throw SunApproach{line + i + 1, line + i + table.n, r};
     throw SunApproach{line + 1, line + table.n, r};
   }
-  // dy[3+i] = ((u_i * 0.001) / m) / kACC - ((y_i / r) / r) / r, x and y as a pair, z
+  // dy[3+i] = ((u_i * kKilonewtonsPerNewton) / m) / kACC - ((y_i / r) / r) / r, x and y as a pair, z
   // alone; the mass falls with the exhaust speed Isp * g0.
   const double m = y[6];
   const Pair mm = {m, m};
   const Pair rr = {r, r};
-  const Pair acc = ((Pair{u[0], u[1]} * 0.001) / mm) / kACC - ((Pair{y[0], y[1]} / rr) / rr) / rr;
+  const Pair acc = ((Pair{u[0], u[1]} * kKilonewtonsPerNewton) / mm) / kACC - ((Pair{y[0], y[1]} / rr) / rr) / rr;
   dy[3] = acc[0];
   dy[4] = acc[1];
-  dy[5] = ((u[2] * 0.001) / m) / kACC - ((y[2] / r) / r) / r;
-  dy[6] = ((-u_norm * 0.001 / kSpecificImpulse) / kStandardGravity) * kTU;
+  dy[5] = ((u[2] * kKilonewtonsPerNewton) / m) / kACC - ((y[2] / r) / r) / r;
+  dy[6] = ((-u_norm * kKilonewtonsPerNewton / kSpecificImpulse) / kStandardGravity) * kTU;
+}
+
+std::string sun_approach_message(const SunApproach& at) {
+  return "Error101. Position Error between line " + std::to_string(at.first_line) + " and line " +
+         std::to_string(at.second_line) +
+         ": The distance to the Sun of the mining ship is less than 0.3 AU.\n";
 }
 
 }  // namespace kavren
@@ -76,9 +82,7 @@ void ThrustModel::operator()(double t, const double* y, double* dy) {
 namespace {
 
 [[noreturn]] void error101(const kavren::SunApproach& at) {
-  std::cout << "Error101. Position Error between line " << at.first_line << " and line "
-            << at.second_line << ": The distance to the Sun of the mining ship is less than 0.3 AU."
-            << std::endl;
+  std::cout << kavren::sun_approach_message(at);
   kavren::end_run(1);
 }
 

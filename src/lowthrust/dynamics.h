@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string>
 
 #include "lowthrust/thrust_table.h"
 
@@ -17,6 +18,8 @@ struct SunApproach {
   long long second_line;
   double distance;  // AU
 };
+// Error101's message.
+std::string sun_approach_message(const SunApproach& at);
 
 // Sun gravity only. `line` is the line reference of the coast (0-based index).
 struct CoastModel {

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "events/encounters.h"
+#include "astro/ephemeris.h"
 #include "readers/tokenizer.h"
 #include "records/limits.h"
 
@@ -99,7 +99,7 @@ bool ShipAssembler::record_event(int event_id) {
 // group of collections, which it must balance.
 bool ShipAssembler::record_earth_drop(double mass_change) {
   // The Earth's state needs no catalogue.
-  const double vinf = excess_speed(-3, first_, nullptr);
+  const double vinf = speed_relative_to_body(-3, first_.epoch, first_.v, nullptr);
   const long long line = printed_line(first_.line_index);
   if (vinf <= kMaxExcessSpeed) {
     findings_.evaluate(Rule::drop_speed, true, vinf, kMaxExcessSpeed, line, ordinal_);

@@ -194,7 +194,29 @@ std::vector<Constraint> Findings::constraints() const {
 }
 
 std::vector<Warning> Findings::warnings() const {
-  std::vector<Warning> all = warnings_;
+  // One warning per kind, ship and rule, naming the first few places.
+  constexpr std::size_t kPlacesShown = 10;
+  std::vector<Warning> all;
+  std::vector<std::size_t> times;
+  for (const Warning& w : warnings_) {
+    std::size_t k = 0;
+    while (k < all.size() &&
+           (all[k].kind != w.kind || all[k].ship != w.ship || all[k].rule != w.rule)) {
+      ++k;
+    }
+    if (k == all.size()) {
+      all.push_back(w);
+      times.push_back(1);
+      continue;
+    }
+    ++times[k];
+    for (long long line : w.lines) {
+      if (all[k].lines.size() < kPlacesShown) all[k].lines.push_back(line);
+    }
+  }
+  for (std::size_t k = 0; k < all.size(); ++k) {
+    if (times[k] > 1) all[k].message += " (" + std::to_string(times[k]) + " times)";
+  }
   for (const Constraint& c : constraints()) {
     const double size = std::fabs(c.limit);
     if (!c.passed || !(size > 0.0) || !(c.margin >= 0.0) || !(c.margin < 0.001 * size)) continue;

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "records/limits.h"
+
 // One decoded event line.
 struct StateStruct {
   int line_index = 0;  // 0-based index of the solution-file line; messages print it + 1
@@ -82,9 +84,9 @@ class ShipClass {
   std::vector<VisitClass> visits;
   std::vector<std::vector<DmStructShip>> dm_groups;  // each group ends with an Earth drop
   double mass_of_resources = 0.0;
-  double time_of_LRE = 64328.0;  // epoch of the last resource drop at the Earth
+  double time_of_LRE = kavren::kMissionStartMjd;  // epoch of the last drop at the Earth
   int num_miners = 0;
-  double final_mass = 500.0;
+  double final_mass = kavren::kDryMass;
   double mass_collected = 0.0;
 
   double get_mass_of_resources() const { return mass_of_resources; }

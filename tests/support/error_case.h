@@ -64,6 +64,10 @@ int find_line(const std::vector<std::string>& lines, int id, int count = 10, int
 // by the same stretch of straight track.
 void move_along_track(Scenario& s, int id, int n, double km);
 
+// kavren-report's JSON in `folder` states the verdict of the kavren-check run `check`.
+struct RunResult;
+void expect_report_agrees(const std::string& folder, const RunResult& check);
+
 // The case lists, one per family of messages.
 std::vector<ErrorCase> input_error_cases();     // Error000, ErrorA00-A02, A03:, A09-A23,
                                                 // Error001, Error002, Error005
