@@ -1,8 +1,10 @@
 #include "app/driver.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <new>
 #include <string>
@@ -26,13 +28,22 @@ int print(const std::string& text, int status) {
   return status;
 }
 
-// False when the score file cannot be opened; a failed write does not change the verdict.
-bool write_score_file(const std::string& bytes) {
+enum class ScoreWrite { written, not_opened, failed };
+
+// A score file that cannot be opened has its own message. One that opens but cannot be
+// written whole (a full disk, a file-size limit) is removed, so that no truncated score
+// file is left, and the reason goes to standard error: the verdict does not change.
+ScoreWrite write_score_file(const std::string& bytes, int& error) {
   std::FILE* file = std::fopen(kScoreFile, "wb");
-  if (file == nullptr) return false;
-  std::fwrite(bytes.data(), 1, bytes.size(), file);
-  std::fclose(file);
-  return true;
+  if (file == nullptr) return ScoreWrite::not_opened;
+  errno = 0;
+  const bool complete = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  error = errno;
+  const bool closed = std::fclose(file) == 0;
+  if (error == 0) error = errno;
+  if (complete && closed) return ScoreWrite::written;
+  std::remove(kScoreFile);
+  return ScoreWrite::failed;
 }
 
 int verify_files() {
@@ -51,8 +62,18 @@ int verify_files() {
   options.workers = workers_from_environment();
   const Report report = verify(catalogue, solution, options);
   if (report.outcome == Outcome::out_of_memory) throw std::bad_alloc();
-  if (report.score_file && !write_score_file(*report.score_file)) {
-    return print("ErrorA00. File Open Error: Cannot find this file 'ScoreData.txt'.\n", 0);
+  if (report.score_file) {
+    int error = 0;
+    switch (write_score_file(*report.score_file, error)) {
+      case ScoreWrite::not_opened:
+        return print("ErrorA00. File Open Error: Cannot find this file 'ScoreData.txt'.\n", 0);
+      case ScoreWrite::failed:
+        std::cerr << "kavren-check: cannot write ScoreData.txt: "
+                  << (error != 0 ? std::strerror(error) : "write error") << '\n';
+        break;
+      case ScoreWrite::written:
+        break;
+    }
   }
   return print(report.checker_output, report.exit_status);
 }

@@ -1,6 +1,7 @@
 #include "support/e2e.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -68,27 +69,28 @@ std::string drain(int fd) {
 
 }  // namespace
 
-RunResult run_in(const std::string& dir, const std::string& binary,
-                 const std::vector<std::string>& args, const std::vector<std::string>& env) {
+RunResult run_child(const std::string& dir, const std::function<void()>& body,
+                    const std::vector<ResourceLimit>& limits) {
   // Standard error goes to a file so that neither pipe can fill up and block the child.
   std::string err_path = dir + "/.stderr";
   int out_pipe[2];
   if (pipe(out_pipe) != 0) throw std::runtime_error("pipe failed");
+  std::fflush(nullptr);  // nothing the parent buffered may be written twice
   pid_t pid = fork();
   if (pid < 0) throw std::runtime_error("fork failed");
   if (pid == 0) {
     int err_fd = open(err_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     dup2(out_pipe[1], 1);
     if (err_fd >= 0) dup2(err_fd, 2);
+    if (err_fd > 2) close(err_fd);
     close(out_pipe[0]);
     close(out_pipe[1]);
     if (chdir(dir.c_str()) != 0) _exit(126);
-    for (const std::string& entry : env) putenv(const_cast<char*>(entry.c_str()));
-    std::vector<char*> argv;
-    argv.push_back(const_cast<char*>(binary.c_str()));
-    for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
-    argv.push_back(nullptr);
-    execv(binary.c_str(), argv.data());
+    for (const ResourceLimit& limit : limits) {
+      const rlimit value{static_cast<rlim_t>(limit.value), static_cast<rlim_t>(limit.value)};
+      if (setrlimit(limit.resource, &value) != 0) _exit(125);
+    }
+    body();
     _exit(127);
   }
   close(out_pipe[1]);
@@ -116,6 +118,22 @@ RunResult run_in(const std::string& dir, const std::string& binary,
     result.score = bytes.str();
   }
   return result;
+}
+
+RunResult run_in(const std::string& dir, const std::string& binary,
+                 const std::vector<std::string>& args, const std::vector<std::string>& env,
+                 const std::vector<ResourceLimit>& limits) {
+  return run_child(
+      dir,
+      [&] {
+        for (const std::string& entry : env) putenv(const_cast<char*>(entry.c_str()));
+        std::vector<char*> argv;
+        argv.push_back(const_cast<char*>(binary.c_str()));
+        for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
+        argv.push_back(nullptr);
+        execv(binary.c_str(), argv.data());
+      },
+      limits);
 }
 
 RunResult run_check(const std::map<std::string, std::string>& files,

@@ -2,6 +2,7 @@
 // given files and captures its standard output bytes, exit status and score file.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -33,10 +34,23 @@ class TempDir {
 
 std::string checker_binary();
 
+// A limit the child sets on itself (setrlimit's resource and value) before the binary
+// starts.
+struct ResourceLimit {
+  int resource;
+  unsigned long long value;
+};
+
 // Runs `binary` with `args` inside `dir`; extra environment entries "NAME=value".
 RunResult run_in(const std::string& dir, const std::string& binary,
                  const std::vector<std::string>& args = {},
-                 const std::vector<std::string>& env = {});
+                 const std::vector<std::string>& env = {},
+                 const std::vector<ResourceLimit>& limits = {});
+
+// Runs `body` in a child process inside `dir`, under `limits`, with its standard output
+// and error captured; the child ends with status 127 if `body` returns.
+RunResult run_child(const std::string& dir, const std::function<void()>& body,
+                    const std::vector<ResourceLimit>& limits = {});
 
 // Writes `files` into a fresh directory and runs kavren-check there.
 RunResult run_check(const std::map<std::string, std::string>& files,

@@ -3,8 +3,9 @@
 // JSON for scripts and a self-contained HTML page with plots.
 //
 // Exit status: 0 when every solution is accepted, 1 when one is not, 2 for a usage or
-// input/output error (one line on standard error naming the file and the reason; no
-// output file is written then).
+// input/output error, a limit of --max-bytes or --deadline reached, or memory that could
+// not be had (one line on standard error naming the file and the reason; no output file
+// is written then).
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,6 +13,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -20,6 +22,7 @@
 #include <iostream>
 #include <iterator>
 #include <mutex>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -46,6 +49,9 @@ const char* const kDefaultSolution = "Result.txt";
 const char* const kDefaultCatalogue = "KAVREN_Asteroids_Data.txt";
 
 std::string shown(const std::string& name) { return name == "-" ? "standard input" : name; }
+
+// The file being read, verified or reported on, named when memory runs out.
+std::string g_working_on = kDefaultSolution;
 
 // The whole content of a solution file or of standard input.
 std::string read_solution(const std::string& name) {
@@ -168,6 +174,8 @@ struct Settings {
   std::string mode = "all";
   std::string colour = "auto";
   int threads = 0;
+  std::size_t max_bytes = 0;  // 0: no limit
+  double deadline = 0.0;      // seconds; 0: none
 };
 
 int run(const Settings& settings) {
@@ -185,9 +193,11 @@ int run(const Settings& settings) {
   // Every input is read before any work: an unreadable one ends the run at once.
   std::vector<Checked> checked(names.size());
   for (std::size_t k = 0; k < names.size(); ++k) {
+    g_working_on = shown(names[k]);
     checked[k].name = names[k];
     checked[k].text = read_solution(names[k]);
   }
+  g_working_on = shown(names[0]);
   const kavren::Catalogue catalogue = read_catalogue(settings.catalogue);
 
   const unsigned hardware = std::max(1u, std::thread::hardware_concurrency());
@@ -206,6 +216,11 @@ int run(const Settings& settings) {
       options.mode = settings.mode == "first" ? kavren::Mode::first : kavren::Mode::all;
       options.workers = workers_per_file;
       options.trajectories = !settings.html_path.empty();
+      options.max_bytes = settings.max_bytes;
+      if (settings.deadline > 0) {
+        options.deadline =
+            std::chrono::milliseconds(std::max(1LL, std::llround(settings.deadline * 1000.0)));
+      }
       options.progress = [&progress, k](std::size_t done, std::size_t total) {
         progress.update(k, done, total);
       };
@@ -214,7 +229,7 @@ int run(const Settings& settings) {
         checked[k].report = kavren::verify(catalogue, checked[k].text, options);
       } catch (const std::bad_alloc&) {
         checked[k].report.outcome = kavren::Outcome::out_of_memory;
-        checked[k].report.error = "memory could not be had";
+        checked[k].report.error = "out of memory while verifying the solution";
       } catch (...) {
         failures[k] = std::current_exception();
       }
@@ -237,6 +252,18 @@ int run(const Settings& settings) {
       throw Failure("cannot verify " + shown(checked[k].name));
     }
   }
+  // A report cut short by a limit or by memory is no verdict: nothing is written.
+  for (const Checked& c : checked) {
+    if (c.report.outcome == kavren::Outcome::out_of_memory) {
+      g_working_on = shown(c.name);
+      throw std::bad_alloc();
+    }
+    if (c.report.outcome != kavren::Outcome::verified) {
+      throw Failure("cannot verify " + shown(c.name) + ": " + c.report.error);
+    }
+  }
+  if (checked.size() > 1) g_working_on = "the reports of " + std::to_string(checked.size()) +
+                                         " solutions";
 
   // The outputs are built whole, then written.
   if (!settings.json_path.empty()) {
@@ -313,6 +340,16 @@ int main(int argc, char** argv) {
                  "Threads verifying arcs and files (default: KAVREN_THREADS, else one per "
                  "hardware thread)")
       ->check(CLI::Range(1, 1024));
+  app.add_option("--max-bytes", settings.max_bytes,
+                 "Refuse a solution of more than N bytes (exit status 2); for files from "
+                 "untrusted sources")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber);
+  app.add_option("--deadline", settings.deadline,
+                 "Stop verifying a solution after SECONDS (exit status 2); for files from "
+                 "untrusted sources")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.001, 1e9));
   app.add_option("--colour,--color", settings.colour,
                  "Colour the terminal report: auto (a terminal and NO_COLOR unset), always, "
                  "never")
@@ -336,7 +373,7 @@ int main(int argc, char** argv) {
     std::cerr << "kavren-report: " << e.what() << "\n";
     return 2;
   } catch (const std::bad_alloc&) {
-    std::cerr << "kavren-report: out of memory\n";
+    std::cerr << "kavren-report: out of memory while verifying " << g_working_on << "\n";
     return 2;
   }
 }
