@@ -260,6 +260,8 @@ def verify(
     mode: Literal["first", "all"] = "first",
     threads: Optional[int] = None,
     trajectories: bool = False,
+    max_bytes: Optional[int] = None,
+    deadline: Optional[float] = None,
 ) -> Report:
     """Verifies one solution and returns its Report.
 
@@ -270,5 +272,10 @@ def verify(
     threads: workers integrating the arcs; None uses one per core. The report does not
       depend on it.
     trajectories: keep the states along every arc (Report.trajectories).
+    max_bytes, deadline: limits for solutions from untrusted sources (None: none). A
+      solution of more than max_bytes bytes, or a verification still running after
+      deadline seconds, returns a Report whose outcome is "limit_reached", with the
+      reason in Report.error and no verdict.
 
-    The interpreter lock is released while it runs."""
+    Raises MemoryError (with the reason) when memory cannot be had, and OSError when a
+    path cannot be read. The interpreter lock is released while it runs."""

@@ -8,6 +8,8 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -150,7 +152,8 @@ kavren::Catalogue load_catalogue(const py::object& path) {
 
 kavren::Report run_verify(const py::object& solution, const kavren::Catalogue& catalogue,
                           const std::string& mode, const std::optional<int>& threads,
-                          bool trajectories) {
+                          bool trajectories, const std::optional<long long>& max_bytes,
+                          const std::optional<double>& deadline) {
   kavren::Options options;
   if (mode == "first") {
     options.mode = kavren::Mode::first;
@@ -164,9 +167,27 @@ kavren::Report run_verify(const py::object& solution, const kavren::Catalogue& c
     options.workers = *threads;
   }
   options.trajectories = trajectories;
+  if (max_bytes) {
+    if (*max_bytes < 1) throw py::value_error("max_bytes must be at least 1, or None for no limit");
+    options.max_bytes = static_cast<std::size_t>(*max_bytes);
+  }
+  if (deadline) {
+    if (!(*deadline > 0.0 && *deadline <= 1e9)) {
+      throw py::value_error("deadline must be a positive number of seconds, or None for none");
+    }
+    options.deadline = std::chrono::milliseconds(std::max(1LL, std::llround(*deadline * 1000.0)));
+  }
   const std::string text = solution_bytes(solution);
-  py::gil_scoped_release release;
-  return kavren::verify(catalogue, text, options);
+  kavren::Report report;
+  {
+    py::gil_scoped_release release;
+    report = kavren::verify(catalogue, text, options);
+  }
+  if (report.outcome == kavren::Outcome::out_of_memory) {
+    PyErr_SetString(PyExc_MemoryError, report.error.c_str());
+    throw py::error_already_set();
+  }
+  return report;
 }
 
 // One NumPy array per ship, shape (points, 9), viewing the report's own memory; the
@@ -379,7 +400,8 @@ PYBIND11_MODULE(kavren, m) {
 
   m.def("verify", &run_verify, py::arg("solution"), py::arg("catalogue"),
         py::arg("mode") = "first", py::arg("threads") = py::none(),
-        py::arg("trajectories") = false,
+        py::arg("trajectories") = false, py::arg("max_bytes") = py::none(),
+        py::arg("deadline") = py::none(),
         "Verifies one solution and returns its Report.\n\n"
         "solution: the text of a Result.txt file (str or bytes), or the path of one\n"
         "  (os.PathLike, e.g. pathlib.Path).\n"
@@ -388,6 +410,11 @@ PYBIND11_MODULE(kavren, m) {
         "  every violation of every event, arc and ship.\n"
         "threads: workers integrating the arcs; None uses one per core. The report does not\n"
         "  depend on it.\n"
-        "trajectories: keep the states along every arc (Report.trajectories).\n\n"
-        "The interpreter lock is released while it runs.");
+        "trajectories: keep the states along every arc (Report.trajectories).\n"
+        "max_bytes, deadline: limits for solutions from untrusted sources (None: none). A\n"
+        "  solution of more than max_bytes bytes, or a verification still running after\n"
+        "  deadline seconds, returns a Report whose outcome is \"limit_reached\", with the\n"
+        "  reason in Report.error and no verdict.\n\n"
+        "Raises MemoryError (with the reason) when memory cannot be had, and OSError when a\n"
+        "path cannot be read. The interpreter lock is released while it runs.");
 }

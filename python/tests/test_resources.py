@@ -1,0 +1,113 @@
+"""The module under limits and load: the byte limit and the deadline, memory that
+cannot be had, unreadable paths, and resident memory over hundreds of calls.
+
+Run by CTest (python.pytest) beside test_kavren.py.
+"""
+
+import os
+import pathlib
+import subprocess
+import sys
+
+import pytest
+
+import kavren
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+SYNTH = os.environ.get("KAVREN_SYNTH", str(ROOT / "build/release/tools/kavren-synth"))
+CATALOGUE = "KAVREN_Asteroids_Data.txt"
+
+
+def synthesise(tmp_path_factory, *args):
+    folder = tmp_path_factory.mktemp(args[0])
+    subprocess.run([SYNTH, args[0], str(folder), *args[1:]], check=True, capture_output=True)
+    return folder
+
+
+@pytest.fixture(scope="module")
+def demo(tmp_path_factory):
+    return synthesise(tmp_path_factory, "demo")
+
+
+@pytest.fixture(scope="module")
+def bench(tmp_path_factory):
+    return synthesise(tmp_path_factory, "bench", "--ships", "100")
+
+
+def hostile(text):
+    """The solution with every launch's second epoch NaN: each ship's first coast runs
+    to its evaluation budget."""
+    lines = text.splitlines()
+    count = [len(line.split()) for line in lines]
+    for k in range(1, len(lines) - 1):
+        tokens = lines[k].split()
+        if count[k - 1] == 10 and count[k] == 10 and count[k + 1] == 6 and tokens[1] == "0":
+            tokens[2] = "nan"
+            lines[k] = "\t".join(tokens)
+    return "\n".join(lines) + "\n"
+
+
+def resident_bytes():
+    with open("/proc/self/statm") as statm:
+        return int(statm.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
+
+
+def test_limits_return_a_report_without_verdict(demo, bench):
+    catalogue = kavren.Catalogue(demo / CATALOGUE)
+    text = (demo / "Result.txt").read_bytes()
+    assert kavren.verify(text, catalogue, max_bytes=len(text)).outcome == "verified"
+    over = kavren.verify(text, catalogue, max_bytes=len(text) - 1)
+    assert (over.outcome, over.accepted, over.checker_output) == ("limit_reached", False, "")
+    assert over.error == f"the solution holds {len(text)} bytes, more than the limit of {len(text) - 1}"
+
+    slow = hostile((bench / "Result.txt").read_text())
+    late = kavren.verify(slow, kavren.Catalogue(bench / CATALOGUE), threads=1, deadline=0.2)
+    assert late.outcome == "limit_reached"
+    assert late.error == "the deadline of 200 ms passed while the arcs were integrated"
+
+    for bad in ({"max_bytes": 0}, {"deadline": 0.0}, {"deadline": float("nan")}):
+        with pytest.raises(ValueError):
+            kavren.verify(text, catalogue, **bad)
+    for path, error in ((demo / "missing.txt", FileNotFoundError), (demo, OSError)):
+        with pytest.raises(error):
+            kavren.verify(path, catalogue)
+
+
+def test_memory_that_cannot_be_had_raises_memory_error(bench):
+    # In a child interpreter whose address space is capped a little above what it holds
+    # once the catalogue and the text are loaded: the 100-ship bench needs far more.
+    program = f"""
+import resource, kavren
+catalogue = kavren.Catalogue({str(bench / CATALOGUE)!r})
+text = open({str(bench / "Result.txt")!r}, "rb").read()
+with open("/proc/self/statm") as statm:
+    size = int(statm.read().split()[0]) * resource.getpagesize()
+resource.setrlimit(resource.RLIMIT_AS, (size + (24 << 20), resource.RLIM_INFINITY))
+try:
+    kavren.verify(text, catalogue, threads=1)
+except MemoryError as e:
+    print("MemoryError:", e)
+"""
+    done = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True,
+                          env=dict(os.environ))
+    assert (done.returncode, done.stdout) == (
+        0, "MemoryError: out of memory while verifying the solution\n"), done.stderr
+
+
+def test_resident_memory_stays_flat_over_many_calls(demo):
+    catalogue = kavren.Catalogue(demo / CATALOGUE)
+    text = (demo / "Result.txt").read_text()
+    lines = text.splitlines()
+    failing = "\n".join(lines[:4] + [lines[4].replace("\t0\t0\t0", "\t0.7\t0\t0")] + lines[5:])
+    cases = [text, failing + "\n", text[: len(text) // 3], "x\n"]
+    calls = int(os.environ.get("KAVREN_SOAK_CALLS", "300"))
+    warm = calls // 10
+    for k in range(calls):
+        report = kavren.verify(cases[k % len(cases)], catalogue, mode=("first", "all")[k % 2],
+                               threads=1)
+        assert report.outcome == "verified"
+        if k + 1 == warm:
+            after_warm_up = resident_bytes()
+    growth = resident_bytes() - after_warm_up
+    print(f"python: {calls} calls, resident memory {growth / 1e6:+.2f} MB after {warm}")
+    assert growth < 5 << 20
