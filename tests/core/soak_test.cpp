@@ -1,0 +1,172 @@
+// Many verifications in one process, as an optimiser runs them: resident memory stays
+// flat and no file descriptor is left open; many threads mixing two catalogues give the
+// reports one thread gives. KAVREN_SOAK_VERIFICATIONS and KAVREN_SOAK_ROUNDS make the
+// long form of scripts/soak.sh (defaults 1,000 and 25).
+#include <gtest/gtest.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "kavren/verify.h"
+#include "support/error_case.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define KAVREN_SANITIZED 1  // quarantined memory makes the resident size meaningless
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define KAVREN_SANITIZED 1
+#endif
+#endif
+
+namespace kavren::test {
+namespace {
+
+long count_from_environment(const char* name, long fallback) {
+  const char* text = std::getenv(name);
+  return text != nullptr && std::atol(text) > 0 ? std::atol(text) : fallback;
+}
+
+long resident_bytes() {
+  std::ifstream statm("/proc/self/statm");
+  long size = 0, resident = 0;
+  statm >> size >> resident;
+  return resident * sysconf(_SC_PAGESIZE);
+}
+
+long open_descriptors() {
+  long n = 0;
+  for (auto it = std::filesystem::directory_iterator("/proc/self/fd");
+       it != std::filesystem::directory_iterator(); ++it) {
+    ++n;
+  }
+  return n;
+}
+
+// The demo, the demo with a thrust over the limit, the demo cut off inside a line, and
+// text that is no solution: valid, failing and malformed.
+std::vector<std::string> solutions() {
+  const Scenario& demo = demo_scenario();
+  Scenario failing = demo;
+  failing.lines[4] = with_token(failing.lines[4], 3, "0.7");
+  const std::string text = demo.result_text();
+  return {text, failing.result_text(), text.substr(0, text.size() / 3), "x\n"};
+}
+
+// The catalogue with asteroid `id`'s mean anomaly moved by one degree.
+std::string with_asteroid_moved(const std::string& catalogue, int id) {
+  const std::string head = "\n" + std::to_string(id) + "\t";
+  const std::size_t start = catalogue.find(head) + 1;
+  const std::size_t end = catalogue.find('\n', start);
+  std::string row = catalogue.substr(start, end - start);
+  const std::size_t last = row.find_last_of('\t') + 1;
+  row = row.substr(0, last) + number(std::stod(row.substr(last)) + 1.0);
+  return catalogue.substr(0, start) + row + catalogue.substr(end);
+}
+
+void expect_same(const Report& a, const Report& b) {
+  EXPECT_EQ(a.outcome, b.outcome);
+  EXPECT_EQ(a.checker_output, b.checker_output);
+  EXPECT_EQ(a.exit_status, b.exit_status);
+  EXPECT_EQ(a.score_file, b.score_file);
+  ASSERT_EQ(a.findings.size(), b.findings.size());
+  for (std::size_t k = 0; k < a.findings.size(); ++k) {
+    EXPECT_EQ(a.findings[k].message, b.findings[k].message);
+    if (!std::isnan(a.findings[k].margin)) {
+      EXPECT_EQ(a.findings[k].margin, b.findings[k].margin);
+    }
+  }
+  ASSERT_EQ(a.constraints.size(), b.constraints.size());
+  for (std::size_t k = 0; k < a.constraints.size(); ++k) {
+    EXPECT_EQ(a.constraints[k].evaluations, b.constraints[k].evaluations);
+    if (!std::isnan(a.constraints[k].worst)) {
+      EXPECT_EQ(a.constraints[k].worst, b.constraints[k].worst);
+    }
+  }
+}
+
+TEST(Soak, MemoryAndDescriptorsStayFlat) {
+  const long verifications = count_from_environment("KAVREN_SOAK_VERIFICATIONS", 1000);
+  const Catalogue catalogue = Catalogue::from_text(demo_scenario().catalogue);
+  const std::vector<std::string> texts = solutions();
+  const long descriptors = open_descriptors();
+  long warm = 0;
+  int accepted = 0;
+  for (long k = 0; k < verifications; ++k) {
+    Options options;
+    options.mode = k % 2 ? Mode::all : Mode::first;
+    options.workers = 1 + static_cast<int>(k % 3);
+    options.trajectories = k % 5 == 0;
+    const Report report = verify(catalogue, texts[static_cast<std::size_t>(k) % texts.size()],
+                                 options);
+    ASSERT_EQ(report.outcome, Outcome::verified);
+    accepted += report.accepted;
+    if (k + 1 == std::min(100L, verifications)) warm = resident_bytes();
+  }
+  const long growth = resident_bytes() - warm;
+  std::printf("soak: %ld verifications, resident memory %+.2f MB after the first 100, "
+              "%ld file descriptors before and %ld after\n",
+              verifications, growth / 1e6, descriptors, open_descriptors());
+  EXPECT_EQ(accepted, (verifications + 3) / 4);
+  EXPECT_EQ(open_descriptors(), descriptors);
+#ifndef KAVREN_SANITIZED
+  EXPECT_LT(growth, 5L << 20);
+#endif
+}
+
+TEST(Soak, ThreadsMixingTwoCataloguesGiveTheReportsOfOne) {
+  const long rounds = count_from_environment("KAVREN_SOAK_ROUNDS", 25);
+  const Scenario& demo = demo_scenario();
+  // The first rendezvous's asteroid: the moved catalogue fails the demo there.
+  int asteroid = 0;
+  for (std::size_t k = 0; asteroid <= 0 && k < demo.lines.size(); ++k) {
+    const std::vector<std::string> tokens = tokens_of(demo.lines[k]);
+    if (tokens.size() == 10) asteroid = std::stoi(tokens[1]);
+  }
+  const std::vector<Catalogue> catalogues = {
+      Catalogue::from_text(demo.catalogue),
+      Catalogue::from_text(with_asteroid_moved(demo.catalogue, asteroid))};
+  const std::vector<std::string> texts = solutions();
+  auto options_for = [](std::size_t k) {
+    Options options;
+    options.mode = k % 2 ? Mode::all : Mode::first;
+    options.workers = 1;
+    return options;
+  };
+  // One report per (catalogue, solution, mode), from one thread.
+  const std::size_t kinds = catalogues.size() * texts.size() * 2;
+  std::vector<Report> expected(kinds);
+  for (std::size_t k = 0; k < kinds; ++k) {
+    expected[k] = verify(catalogues[k / 2 % 2], texts[k / 4], options_for(k));
+  }
+  ASSERT_NE(expected[0].checker_output, expected[2].checker_output);  // the move is seen
+
+  constexpr int kThreads = 8;
+  std::vector<std::vector<Report>> got(kThreads);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      for (long r = 0; r < rounds; ++r) {
+        const std::size_t k = static_cast<std::size_t>(t * 7 + r * 3) % kinds;
+        got[t].push_back(verify(catalogues[k / 2 % 2], texts[k / 4], options_for(k)));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (int t = 0; t < kThreads; ++t) {
+    for (long r = 0; r < rounds; ++r) {
+      expect_same(got[t][r], expected[static_cast<std::size_t>(t * 7 + r * 3) % kinds]);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kavren::test
