@@ -59,6 +59,11 @@ double run_checker(const char* binary) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // kavren-check beside this program's folder: build/<preset>/bench/../kavren-check.
+  char self[4096] = {};
+  const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
+  std::string checker = length > 0 ? std::string(self, static_cast<std::size_t>(length)) : "";
+  checker = checker.substr(0, checker.rfind('/') + 1) + "../kavren-check";
   if (argc > 1 && chdir(argv[1]) != 0) {
     std::perror(argv[1]);
     return 2;
@@ -69,9 +74,6 @@ int main(int argc, char** argv) {
   options.workers = kavren::workers_from_environment();
   options.mode = mode == "first" ? kavren::Mode::first : kavren::Mode::all;
   options.trajectories = mode == "trajectories";
-  // kavren-check beside this program's folder: build/<preset>/bench/.. .
-  std::string self = argv[0];
-  const std::string checker = self.substr(0, self.rfind('/') + 1) + "../kavren-check";
 
   std::string text;
   kavren::read_file_bytes("Result.txt", text);

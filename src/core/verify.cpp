@@ -2,6 +2,7 @@
 // collector of findings, then the verdict kavren-check would print and the report.
 #include "kavren/verify.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 #include <sstream>
@@ -124,12 +125,13 @@ Report verify(const Catalogue& catalogue, std::string_view solution_text, const 
     report.trajectories = std::move(run.arcs.trajectories);
     report.statistics.derivative_evaluations = run.arcs.evaluations;
     report.statistics.arcs = run.arcs.arcs;
+    report.statistics.lines = static_cast<std::size_t>(
+        std::count(solution_text.begin(), solution_text.end(), '\n'));
   } catch (const std::bad_alloc&) {
     report = Report();
     report.outcome = Outcome::out_of_memory;
     report.error = "out of memory while verifying the solution";
   }
-  report.statistics.lines = 0;
   return report;
 }
 

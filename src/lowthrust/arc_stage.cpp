@@ -34,7 +34,8 @@ void check_one(const ArcRef& ref, bool stop_at_first, const ArcStageOptions& opt
   if (options.deadline != nullptr && std::chrono::steady_clock::now() > *options.deadline) {
     throw DeadlineReached{};
   }
-  outcome.findings = std::make_unique<Findings>(stop_at_first);
+  outcome.findings =
+      std::make_unique<Findings>(stop_at_first, Rule::thrust_magnitude, Rule::arc_mass);
   Findings& f = *outcome.findings;
   const int ship = ref.arc->ship_number;
   ArcPhases phases;

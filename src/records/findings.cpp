@@ -1,5 +1,6 @@
 #include "records/findings.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <sstream>
@@ -78,13 +79,20 @@ std::string line_message(const char* prefix, long long line, const char* suffix)
   return text;
 }
 
+Findings::Findings(bool stop_at_first, Rule first, Rule last)
+    : stop_at_first_(stop_at_first),
+      first_rule_(static_cast<int>(first)),
+      rows_(static_cast<std::size_t>(std::max(0, static_cast<int>(last) - static_cast<int>(first) + 1))) {}
+
 double Findings::margin_of(Rule rule, double value, double limit) {
   return upper_bound(rule) ? limit - value : value - limit;
 }
 
 void Findings::evaluate(Rule rule, bool holds, double value, double limit, long long line,
                         int ship) {
-  Row& row = rows_[static_cast<int>(rule)];
+  Row* kept = this->row(static_cast<int>(rule));
+  if (kept == nullptr) return;
+  Row& row = *kept;
   ++row.evaluations;
   if (!holds) ++row.violations;
   const double margin = margin_of(rule, value, limit);
@@ -150,9 +158,11 @@ void Findings::merge(Findings&& later) {
   }
   for (Warning& warning : later.warnings_) warnings_.push_back(std::move(warning));
   for (int r = 0; r < static_cast<int>(Rule::count); ++r) {
-    Row& mine = rows_[r];
-    const Row& theirs = later.rows_[r];
-    if (theirs.evaluations == 0) continue;
+    const Row* kept = later.row(r);
+    Row* into = row(r);
+    if (kept == nullptr || into == nullptr || kept->evaluations == 0) continue;
+    Row& mine = *into;
+    const Row& theirs = *kept;
     const bool take = mine.evaluations == 0 ||
                       (std::isnan(mine.margin) && !std::isnan(theirs.margin)) ||
                       (!std::isnan(theirs.margin) && theirs.margin < mine.margin);
@@ -171,8 +181,9 @@ void Findings::merge(Findings&& later) {
 std::vector<Constraint> Findings::constraints() const {
   std::vector<Constraint> table;
   for (int r = 0; r < static_cast<int>(Rule::count); ++r) {
-    const Row& row = rows_[r];
-    if (row.evaluations == 0) continue;
+    const Row* kept = this->row(r);
+    if (kept == nullptr || kept->evaluations == 0) continue;
+    const Row& row = *kept;
     const RuleInfo& info = kRules[r];
     Constraint c;
     c.rule = info.id;

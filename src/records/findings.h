@@ -48,7 +48,10 @@ std::string line_message(const char* prefix, long long line, const char* suffix)
 
 class Findings {
  public:
-  explicit Findings(bool stop_at_first) : stop_at_first_(stop_at_first) {}
+  // Rows are kept for the rules first..last (inclusive); evaluations of other rules are
+  // not counted. A collector for one arc keeps only the arcs' rules.
+  explicit Findings(bool stop_at_first, Rule first = Rule(0),
+                    Rule last = Rule(static_cast<int>(Rule::count) - 1));
 
   // One evaluation of `rule`; `holds` is the rule's own verdict on the value. On a
   // violation the finding's code and message come from `message()` (a callable
@@ -95,10 +98,19 @@ class Findings {
   };
   static double margin_of(Rule rule, double value, double limit);
 
+  // The row of `rule`, or null when this collector keeps none for it.
+  Row* row(int rule) {
+    const int k = rule - first_rule_;
+    return k >= 0 && k < static_cast<int>(rows_.size()) ? &rows_[static_cast<std::size_t>(k)]
+                                                         : nullptr;
+  }
+  const Row* row(int rule) const { return const_cast<Findings*>(this)->row(rule); }
+
   bool stop_at_first_;
+  int first_rule_;
   std::vector<Finding> findings_;
   std::vector<Warning> warnings_;
-  Row rows_[static_cast<int>(Rule::count)];
+  std::vector<Row> rows_;
 };
 
 }  // namespace kavren
