@@ -63,7 +63,7 @@ def test_limits_return_a_report_without_verdict(demo, bench):
     slow = hostile((bench / "Result.txt").read_text())
     late = kavren.verify(slow, kavren.Catalogue(bench / CATALOGUE), threads=1, deadline=0.2)
     assert late.outcome == "limit_reached"
-    assert late.error == "the deadline of 200 ms passed while the arcs were integrated"
+    assert late.error == "the deadline of 200 ms passed while the solution was verified"
 
     for bad in ({"max_bytes": 0}, {"deadline": 0.0}, {"deadline": float("nan")}):
         with pytest.raises(ValueError):

@@ -46,7 +46,14 @@ ScoreWrite write_score_file(const std::string& bytes, int& error) {
   return ScoreWrite::failed;
 }
 
-int verify_files() {
+// What the run is doing, for the message when memory runs out.
+struct Stage {
+  const char* what = "reading";
+  const char* file = kCatalogueFile;
+  std::size_t bytes = 0;
+};
+
+int verify_files(Stage& stage) {
   std::string catalogue_text;
   if (!read_file_bytes(kCatalogueFile, catalogue_text)) {
     return print("ErrorA00: The file of Asteroid Data cannot be found.\n", 1);
@@ -55,9 +62,12 @@ int verify_files() {
   catalogue_text = std::string();
 
   std::string solution;
+  stage.file = kSolutionFile;
   if (!read_file_bytes(kSolutionFile, solution)) {
     return print("ErrorA01. File Open Error: Cannot find the solution file.\n", 1);
   }
+  stage.what = "verifying";
+  stage.bytes = solution.size();
   Options options;
   options.workers = workers_from_environment();
   const Report report = verify(catalogue, solution, options);
@@ -100,10 +110,13 @@ int run_checker(int argc) {
         "KAVREN_Asteroids_Data.txt data, and the behind one takes the Result.txt.\n",
         0);
   }
+  Stage stage;
   try {
-    return verify_files();
+    return verify_files(stage);
   } catch (const std::bad_alloc&) {
-    std::cerr << "kavren-check: out of memory while verifying " << kSolutionFile << '\n';
+    std::cerr << "kavren-check: out of memory while " << stage.what << ' ' << stage.file;
+    if (stage.bytes > 0) std::cerr << " (" << (stage.bytes + 500000) / 1000000 << " MB)";
+    std::cerr << '\n';
     return kResourceFailure;
   }
 }

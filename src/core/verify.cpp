@@ -12,6 +12,7 @@
 #include "astro/ephemeris.h"
 #include "core/ship_checks.h"
 #include "core/summary.h"
+#include "lowthrust/arc_integration.h"
 #include "lowthrust/arc_stage.h"
 #include "mining/ledger.h"
 #include "mining/score.h"
@@ -59,18 +60,28 @@ struct Run {
   Run(const Catalogue& c, const Options& o)
       : catalogue(c), options(o), findings(o.mode == Mode::first) {}
 
+  // Between stages: a verification past its deadline ends there.
+  void check_deadline() const {
+    if (options.deadline.count() > 0 && std::chrono::steady_clock::now() > deadline) {
+      throw DeadlineReached{};
+    }
+  }
+
   bool all_stages(std::string_view text) {
     if (!read_solution(text, ships, num_ships, findings)) return false;
     if (findings.stopped()) return false;
+    check_deadline();
     // The ship checks run over the reported count, never past the ships actually held.
     const int checked = std::min(num_ships, static_cast<int>(ships.size()));
     for (int index = 0; index < checked; ++index) {
       EventContext context{findings, catalogue.table().rows(), ships[index].ship_id};
       if (!check_ship(ships[index], context)) return false;
     }
+    check_deadline();
     std::vector<DmStructAsteroid> dm_asteroids(kNumAsteroids);
     if (!check_mining_ledger(ships, checked, dm_asteroids, store, findings)) return false;
 
+    check_deadline();
     ArcStageOptions arc_options;
     arc_options.workers = options.workers > 0 ? options.workers : default_workers();
     arc_options.trajectories = options.trajectories;
@@ -100,10 +111,15 @@ Report verify(const Catalogue& catalogue, std::string_view solution_text, const 
   try {
     Run run(catalogue, options);
     run.deadline = std::chrono::steady_clock::now() + options.deadline;
-    run.all_stages(solution_text);
-    if (run.arcs.deadline_reached) {
+    bool deadline_reached = false;
+    try {
+      run.all_stages(solution_text);
+    } catch (const DeadlineReached&) {
+      deadline_reached = true;
+    }
+    if (deadline_reached || run.arcs.deadline_reached) {
       limit_reached(report, "the deadline of " + std::to_string(options.deadline.count()) +
-                                " ms passed while the arcs were integrated");
+                                " ms passed while the solution was verified");
       return report;
     }
     std::vector<Finding>& findings = run.findings.findings();

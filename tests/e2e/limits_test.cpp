@@ -116,7 +116,7 @@ std::vector<LimitCase> limit_cases() {
   const std::string demo_bytes = std::to_string(demo_scenario().result_text().size());
   return {
       {"OutOfAddressSpace", Files::bench, Tool::check, {}, {{RLIMIT_AS, 16 * kMiB}}, 4, "",
-       "kavren-check: out of memory while verifying Result.txt\n", false},
+       "kavren-check: out of memory while reading KAVREN_Asteroids_Data.txt\n", false},
       {"NoDescriptorForTheCatalogue", Files::demo, Tool::check_driver, {}, {{RLIMIT_NOFILE, 3}},
        1, "ErrorA00: The file of Asteroid Data cannot be found.\n", "", false},
       // A failed write of the score file does not change the verdict; no truncated file
@@ -130,8 +130,8 @@ std::vector<LimitCase> limit_cases() {
            " bytes, more than the limit of 1000\n",
        false},
       {"ReportPastTheDeadline", Files::hostile, Tool::report, {"--deadline", "0.2"}, {}, 2, "",
-       "kavren-report: cannot verify Result.txt: the deadline of 200 ms passed while the arcs "
-       "were integrated\n",
+       "kavren-report: cannot verify Result.txt: the deadline of 200 ms passed while the "
+       "solution was verified\n",
        false},
   };
 }
@@ -197,7 +197,7 @@ TEST(ApiLimits, ByteLimitAndDeadline) {
   options.deadline = std::chrono::milliseconds(200);
   const Report hostile = verify(Catalogue::from_text(bench().catalogue), bench().hostile, options);
   EXPECT_EQ(hostile.outcome, Outcome::limit_reached);
-  EXPECT_EQ(hostile.error, "the deadline of 200 ms passed while the arcs were integrated");
+  EXPECT_EQ(hostile.error, "the deadline of 200 ms passed while the solution was verified");
   EXPECT_TRUE(hostile.findings.empty());
 }
 
