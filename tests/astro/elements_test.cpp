@@ -67,8 +67,9 @@ TEST(RoundTrip, SeededRandomElementsOfEveryShape) {
     const double e = std::array<double, 4>{0.0, 0.97 * u(rng), 1.0, 1.01 + 5.0 * u(rng)}[n % 4];
     const double i = std::array<double, 4>{0.0, kPi / 2.0, kPi, kPi * u(rng)}[n / 4 % 4];
     const double lim = e < 1.0 ? 10.0 : kPi - std::acos(1.0 / e) - 0.05;
-    const double coe[6] = {kAU * (0.2 + 3.8 * u(rng)), e, i, 20.0 * u(rng) - 10.0,
-                           20.0 * u(rng) - 10.0, lim * (2.0 * u(rng) - 1.0)};
+    const double coe[6] = {
+        kAU * (0.2 + 3.8 * u(rng)), e, i, 20.0 * u(rng) - 10.0, 20.0 * u(rng) - 10.0,
+        lim * (2.0 * u(rng) - 1.0)};
     double rv[6];
     int flag = -1;
     coe2rv(flag, rv, coe, kMuSun);
@@ -93,10 +94,11 @@ TEST(Equinoctial, InvalidClassicalSetsAreRefused) {
     double value, mu;
     int expected;
   };
-  const Case cases[] = {{0, -1.0, kMuSun, 0},    {1, -0.01, kMuSun, 0}, {2, -0.01, kMuSun, 0},
-                        {2, kPi, kMuSun, 1},     {0, 0.0, kMuSun, 1},   {0, kAU, 0.0, 0},
-                        {0, NAN, kMuSun, 0},     {5, NAN, kMuSun, 0},   {2, kPi + 0.01, kMuSun, 0},
-                        {5, 150.0 * kDeg, kMuSun, 0}};  // e = 2: beyond the asymptote
+  const Case cases[] = {
+      {0, -1.0, kMuSun, 0},        {1, -0.01, kMuSun, 0}, {2, -0.01, kMuSun, 0},
+      {2, kPi, kMuSun, 1},         {0, 0.0, kMuSun, 1},   {0, kAU, 0.0, 0},
+      {0, NAN, kMuSun, 0},         {5, NAN, kMuSun, 0},   {2, kPi + 0.01, kMuSun, 0},
+      {5, 150.0 * kDeg, kMuSun, 0}};  // e = 2: beyond the asymptote
   for (const Case& c : cases) {
     double coe[6] = {kAU, c.index == 5 ? 2.0 : 0.1, 0.5, 0.1, 0.2, 0.3};
     double ee[6] = {7, 7, 7, 7, 7, 7};

@@ -6,8 +6,8 @@
 
 #include <array>
 #include <climits>
-#include <map>
 #include <cmath>
+#include <map>
 #include <vector>
 
 #include "astro/anomaly.h"
@@ -39,18 +39,22 @@ void expect_elements(int id, const double* ele, double t) {
   EXPECT_LE(angle_diff(coe[4], ele[4]), 1e-9);
   EXPECT_LE(angle_diff(M, ele[5] + n * (t - kStart) * 86400.0), 1e-9);
   const double r = std::hypot(rv[0], rv[1], rv[2]);
-  EXPECT_LE(rel_err(rv[3] * rv[3] + rv[4] * rv[4] + rv[5] * rv[5], kMuSun * (2.0 / r - 1.0 / ele[0])),
-            1e-12);
+  EXPECT_LE(
+      rel_err(rv[3] * rv[3] + rv[4] * rv[4] + rv[5] * rv[5], kMuSun * (2.0 / r - 1.0 / ele[0])),
+      1e-12);
 }
 
 TEST(PlanetEphemeris, MarsEarthVenusFollowTheirElements) {
   const std::pair<int, std::array<double, 6>> planets[] = {
-      {-4, {227951663.551, 0.0933662184095, 0.03223504991302703, 0.8631580662936594,
-            5.004400528341373, 4.157933432070761}},
-      {-3, {149579151.285, 0.0165519129162, 8.105119774030934e-05, 3.472444360959822,
-            4.589524166260071, 6.248975099261001}},
-      {-2, {108208010.521, 0.00672988099539, 0.059243298446877056, 1.3365668541085929,
-            0.9618635023041548, 0.1941127564127224}}};
+      {-4,
+       {227951663.551, 0.0933662184095, 0.03223504991302703, 0.8631580662936594, 5.004400528341373,
+        4.157933432070761}},
+      {-3,
+       {149579151.285, 0.0165519129162, 8.105119774030934e-05, 3.472444360959822, 4.589524166260071,
+        6.248975099261001}},
+      {-2,
+       {108208010.521, 0.00672988099539, 0.059243298446877056, 1.3365668541085929,
+        0.9618635023041548, 0.1941127564127224}}};
   for (const auto& [id, ele] : planets) {
     for (double t : {kStart, 64000.0, 66000.5, 69807.0}) expect_elements(id, ele.data(), t);
   }
@@ -86,8 +90,8 @@ class CatalogueTest : public ::testing::Test {
 TEST_F(CatalogueTest, AsteroidsFollowTheirRowsOthersLeaveTheStateUntouched) {
   for (int id : {1, 17, 60000}) {
     const double* row = t_eles_asteroids[id - 1];
-    const double ele[6] = {row[1] * kAU, row[2], row[3] * kDeg, row[4] * kDeg, row[5] * kDeg,
-                           row[6] * kDeg};
+    const double ele[6] = {row[1] * kAU,  row[2],        row[3] * kDeg,
+                           row[4] * kDeg, row[5] * kDeg, row[6] * kDeg};
     for (double t : {kStart, 66500.0}) expect_elements(id, ele, t);
   }
   for (int id : {-1, -5, -6, 60001, INT_MIN, INT_MAX, 2, 59999, 5001}) {
@@ -142,7 +146,9 @@ TEST(StateDifferences, TwoShipStatesAndTwoArrays) {
 // Largest turn of a hyperbolic pass at periapsis rp: 2 asin(1 / (1 + rp vinf^2 / mu)); it
 // depends on the incoming speed only. Below 1 m/s of excess speed nothing is computed.
 TEST(FlybyTurn, ActualAndLargestTurnAngle) {
-  const auto largest = [](double mu, double rp, double v) { return 2.0 * std::asin(1.0 / (1.0 + rp * v * v / mu)); };
+  const auto largest = [](double mu, double rp, double v) {
+    return 2.0 * std::asin(1.0 / (1.0 + rp * v * v / mu));
+  };
   struct Case {
     int body;
     double vin[3], vout[3];
@@ -150,7 +156,13 @@ TEST(FlybyTurn, ActualAndLargestTurnAngle) {
     double angle, max_angle, tol;
   };
   const Case cases[] = {
-      {-3, {3.0, 0.0, 4.0}, {0.0, 2.0, 0.0}, true, kPi / 2.0, largest(398600.435436, 6678.0, 5.0), 1e-15},
+      {-3,
+       {3.0, 0.0, 4.0},
+       {0.0, 2.0, 0.0},
+       true,
+       kPi / 2.0,
+       largest(398600.435436, 6678.0, 5.0),
+       1e-15},
       {-4, {3.0, 0.0, 4.0}, {-0.6, 0.0, -0.8}, true, kPi, largest(42828.375214, 3689.0, 5.0), 1e-7},
       {-4, {-0.6, 0.0, -0.8}, {3.0, 0.0, 4.0}, true, kPi, largest(42828.375214, 3689.0, 1.0), 1e-7},
       {-2, {0.0011, 0.0, 0.0}, {0.0, 5.0, 0.0}, true, kPi / 2.0, NAN, 1e-15},

@@ -19,13 +19,16 @@ namespace {
 // A parabola asked to fly beyond half a turn prints its refusal in GBK and returns f0.
 TEST(TrueAnomalyFlight, ParabolaOutsideHalfTurnPrintsTheGbkLine) {
   const std::string hex =
-      "b6d4d3dac5d7ceefcfdfb9ecb5c02cb3f5cabcd5e6bdfcb5e3bdc7d3a6d4da2d313830d6c1313830b6c8d6aebce42e";
+      "b6d4d3dac5d7ceefcfdfb9ecb5c02cb3f5cabcd5e6bdfcb5e3bdc7d3a6d4da2d313830d6c1313830b6c8d6aebce4"
+      "2e";
   std::string expected;
-  for (std::size_t k = 0; k < hex.size(); k += 2) expected += char(std::stoi(hex.substr(k, 2), nullptr, 16));
+  for (std::size_t k = 0; k < hex.size(); k += 2)
+    expected += char(std::stoi(hex.substr(k, 2), nullptr, 16));
   for (double f0 : {3.2, -3.2}) {
     int flag = -1;
     double f = 0.0;
-    const Outcome o = capture([&] { f = f0dt2ft(flag, f0, 1000.0, 7000.0, 1.0, 398600.4418, 100, 1e-14); });
+    const Outcome o =
+        capture([&] { f = f0dt2ft(flag, f0, 1000.0, 7000.0, 1.0, 398600.4418, 100, 1e-14); });
     EXPECT_EQ(o.out, expected + "\n");
     EXPECT_EQ(flag, 0);
     EXPECT_EQ(f, f0);
@@ -60,10 +63,10 @@ TEST(StatePropagation, AgreesWithNumericalIntegration) {
     double dt;
   };
   const Case cases[] = {
-      {{1.3, 0.4, 0.5, 1.0, 2.0, -2.0}, 7.0},   {{1.0, 0.0, 0.2, 0.3, 0.0, 1.0}, 3.0},
-      {{1.0, 2.0, 2.5, 1.0, 0.5, -1.5}, 4.0},   {{1.0, 1.0, 0.7, 0.3, 0.2, -2.0}, 5.0},
+      {{1.3, 0.4, 0.5, 1.0, 2.0, -2.0}, 7.0},    {{1.0, 0.0, 0.2, 0.3, 0.0, 1.0}, 3.0},
+      {{1.0, 2.0, 2.5, 1.0, 0.5, -1.5}, 4.0},    {{1.0, 1.0, 0.7, 0.3, 0.2, -2.0}, 5.0},
       {{1.0, 1.0, 0.7, 0.3, 0.2, -0.2}, 2.0e-3}, {{1.0, 1.0, 0.7, 0.3, 0.2, 1.0}, -3.0},
-      {{0.0, 0.0, 0.0, 0.0, 0.0, 0.0}, -2.0},   {{0.0, 0.0, 0.0, 0.0, 0.0, 0.0}, 1.0e-3},
+      {{0.0, 0.0, 0.0, 0.0, 0.0, 0.0}, -2.0},    {{0.0, 0.0, 0.0, 0.0, 0.0, 0.0}, 1.0e-3},
       {{0.0, 0.0, 0.0, 0.0, 0.0, 0.0}, 3.0}};
   for (const Case& c : cases) {
     SCOPED_TRACE(show(c.coe) + " dt " + std::to_string(c.dt));
@@ -117,8 +120,12 @@ TEST(StatePropagation, EquinoctialMatchesCartesian) {
   std::mt19937_64 rng(4);
   std::uniform_real_distribution<double> u(0.0, 1.0);
   for (int n = 0; n < 2000; ++n) {
-    const double coe[6] = {kAU * (0.3 + 3.0 * u(rng)), 0.9 * u(rng),     2.5 * u(rng),
-                           kTwoPi * u(rng),            kTwoPi * u(rng), kTwoPi * u(rng)};
+    const double coe[6] = {kAU * (0.3 + 3.0 * u(rng)),
+                           0.9 * u(rng),
+                           2.5 * u(rng),
+                           kTwoPi * u(rng),
+                           kTwoPi * u(rng),
+                           kTwoPi * u(rng)};
     double ee0[6], ee_t[6], rv0[6], rv_t[6], rv_ee[6];
     int flag = -1;
     coe2ee(flag, ee0, coe, kMuSun);

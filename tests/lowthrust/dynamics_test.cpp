@@ -1,8 +1,6 @@
 // Equations of motion against a plain form written the obvious way (arrays rebuilt at
 // every call, the table scanned from its start), the thrust cap and the 0.3 AU guard.
-#include "astro/constants.h"
 #include "lowthrust/dynamics.h"
-#include "lowthrust/rkf78_loop.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "astro/constants.h"
+#include "lowthrust/rkf78_loop.h"
 #include "support/capture.h"
 
 namespace {
@@ -174,9 +174,9 @@ std::vector<double> probe_times(const std::vector<double>& x, std::mt19937_64& r
   const double hi = *std::max_element(x.begin(), x.end());
   std::uniform_real_distribution<double> inside(lo, hi);
   for (int k = 0; k < 8; ++k) probes.push_back(inside(rng));
-  for (double v : std::vector<double>{lo - 1.0, hi + 1.0, std::nextafter(lo, -INFINITY), std::nextafter(hi, INFINITY),
-                   0.0, 5e-170, 2.5e-170, 1.7e308, -1.7e308,
-                                     std::nan(""), HUGE_VAL}) {
+  for (double v : std::vector<double>{lo - 1.0, hi + 1.0, std::nextafter(lo, -INFINITY),
+                                      std::nextafter(hi, INFINITY), 0.0, 5e-170, 2.5e-170, 1.7e308,
+                                      -1.7e308, std::nan(""), HUGE_VAL}) {
     probes.push_back(v);
   }
   return probes;
@@ -197,8 +197,7 @@ TEST(PlainForm, DerivativesAgreeBitForBit) {
       kavren::ThrustModel model;
       model.table = kavren::thrust_table_of(b.data(), true);
       model.line = 7;
-      if (shape == Shape::kIncreasing || shape == Shape::kTiny || shape == Shape::kHuge ||
-          n == 1) {
+      if (shape == Shape::kIncreasing || shape == Shape::kTiny || shape == Shape::kHuge || n == 1) {
         EXPECT_TRUE(model.table.ordered);
       }
       const auto probes = probe_times(times, rng);

@@ -2,16 +2,15 @@
 // invariants of a coast against exact two-body motion, and the status flags of its driver.
 #include "lowthrust/rkf78.h"
 
-#include "astro/constants.h"
-
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <string>
 #include <vector>
 
+#include "astro/constants.h"
 #include "lowthrust/dynamics.h"
 #include "support/reference.h"
 
@@ -38,7 +37,8 @@ TEST(Fehlberg78Tableau, QuadratureConditionsHoldUpToEighthOrder) {
   EXPECT_NEAR(static_cast<double>(total), 1.0, 1e-15);
   for (int k = 1; k <= 7; ++k) {
     long double sum = 0.0L;
-    for (int j = 0; j < 13; ++j) sum += RK::RKFc[j] * std::pow(static_cast<long double>(RK::RKFa[j]), k);
+    for (int j = 0; j < 13; ++j)
+      sum += RK::RKFc[j] * std::pow(static_cast<long double>(RK::RKFa[j]), k);
     EXPECT_NEAR(static_cast<double>(sum), 1.0 / (k + 1), 1e-14) << "k = " << k;
   }
 }
@@ -50,7 +50,8 @@ TEST(Fehlberg78Tableau, CouplingConditionsHold) {
     long double sum = 0.0L;
     for (int j = 0; j < 13; ++j) {
       long double inner = 0.0L;
-      for (int l = 0; l < j; ++l) inner += RK::RKFb[j][l] * std::pow(static_cast<long double>(RK::RKFa[l]), k);
+      for (int l = 0; l < j; ++l)
+        inner += RK::RKFb[j][l] * std::pow(static_cast<long double>(RK::RKFa[l]), k);
       sum += RK::RKFc[j] * inner;
     }
     EXPECT_NEAR(static_cast<double>(sum), 1.0 / ((k + 1) * (k + 2)), 1e-14) << "k = " << k;
@@ -61,7 +62,7 @@ TEST(RKUtilities, FollowTheirComparisonRules) {
   EXPECT_EQ(RK::Max(1.0, 2.0), 2.0);
   EXPECT_EQ(RK::Min(1.0, 2.0), 1.0);
   EXPECT_TRUE(std::isnan(RK::Max(NAN, 2.0)));
-  EXPECT_EQ(RK::Max(0.0, NAN), 0.0);                          // a NaN ratio is dropped
+  EXPECT_EQ(RK::Max(0.0, NAN), 0.0);  // a NaN ratio is dropped
   EXPECT_EQ(RK::CopySign(3.0, -1.0), -3.0);
   EXPECT_EQ(RK::CopySign(-3.0, 1.0), 3.0);
   EXPECT_EQ(RK::CopySign(-3.0, -1.0), -3.0);
@@ -85,7 +86,9 @@ const double kLine[1] = {0.0};
 
 // y' = cos t, y = sin t: a right-hand side of time alone, where only the nodes and the
 // weights of the stages count.
-void wave(double t, const double*, double* dy, const double*) { dy[0] = std::cos(t); }
+void wave(double t, const double*, double* dy, const double*) {
+  dy[0] = std::cos(t);
+}
 
 // One step with the eighth-order weights from a point of the circular orbit: the local
 // error falls as h^9.
@@ -117,9 +120,12 @@ TEST(RKF78Step, LocalErrorFallsAsTheNinthPowerOfTheStep) {
 void ellipse_state(double* y) {
   const double a = 1.3, e = 0.25, p = a * (1.0 - e * e), f = 0.4;
   const double r = p / (1.0 + e * std::cos(f));
-  const double in_plane[6] = {r * std::cos(f), r * std::sin(f), 0.0,
+  const double in_plane[6] = {r * std::cos(f),
+                              r * std::sin(f),
+                              0.0,
                               -std::sqrt(1.0 / p) * std::sin(f),
-                              std::sqrt(1.0 / p) * (e + std::cos(f)), 0.0};
+                              std::sqrt(1.0 / p) * (e + std::cos(f)),
+                              0.0};
   const double ci = std::cos(0.3), si = std::sin(0.3);
   for (int k = 0; k < 2; ++k) {
     const double* v = in_plane + 3 * k;
@@ -172,8 +178,12 @@ TEST(RKF78Coast, InvariantsAfterEveryStepForwardThenBack) {
 
 // --- Status flags --------------------------------------------------------------------------
 
-void constant_rate(double, const double*, double* dy, const double*) { dy[0] = 1.0; }
-void still(double, const double*, double* dy, const double*) { dy[0] = 0.0; }
+void constant_rate(double, const double*, double* dy, const double*) {
+  dy[0] = 1.0;
+}
+void still(double, const double*, double* dy, const double*) {
+  dy[0] = 0.0;
+}
 int g_calls = 0;
 // A right-hand side that flips sign at every call: no step is ever smooth enough.
 void jittery(double, const double*, double* dy, const double*) {
@@ -197,8 +207,8 @@ struct Outcome78 {
 Outcome78 run(const Call& r, std::FILE* out = nullptr) {
   double y = r.y0, t = r.t, work[14];
   int flag = r.flag;
-  const int returned =
-      RK::RKF78(r.model, &y, nullptr, t, r.tout, r.dim, r.relTol, &r.absTol, flag, work, r.maxEval, out);
+  const int returned = RK::RKF78(r.model, &y, nullptr, t, r.tout, r.dim, r.relTol, &r.absTol, flag,
+                                 work, r.maxEval, out);
   return {flag, returned, t, y};
 }
 
@@ -211,7 +221,8 @@ TEST(RKF78Flags, OneCallEndsWithItsStatus) {
     Outcome78 expected;
   } cases[] = {
       // An empty interval doubles the entry flag and lands (flag 0: nothing validated).
-      {{constant_rate, 2.0, 2.0 + 0.9e-14, 1, 1e-12, 1.0, 100000, 1, 4.5}, {2, 1, 2.0 + 0.9e-14, 4.5}},
+      {{constant_rate, 2.0, 2.0 + 0.9e-14, 1, 1e-12, 1.0, 100000, 1, 4.5},
+       {2, 1, 2.0 + 0.9e-14, 4.5}},
       {{constant_rate, 2.0, 2.0, -1}, {-2, -1, 2.0, x}},
       {{constant_rate, 2.0, 2.0, 5}, {10, -1, 2.0, x}},
       {{constant_rate, 2.0, 2.0, 0}, {0, -1, 2.0, x}},

@@ -23,8 +23,8 @@ const double kEarth[3] = {kMuEarth, kJ2Earth, kReqEarth};
 // through the toolkit's conversions (checked on their own against integration).
 void state_of(const double* el, double* rv) {
   int flag = -1;
-  const double coe[6] = {el[0], el[1], el[2], el[3], el[4],
-                         E2f(flag, M2E(flag, el[5], el[1], 100, 1e-15), el[1])};
+  const double coe[6] = {el[0], el[1], el[2],
+                         el[3], el[4], E2f(flag, M2E(flag, el[5], el[1], 100, 1e-15), el[1])};
   coe2rv(flag, rv, coe, kMuEarth);
 }
 void elements_of(const double* rv, double* el) {
@@ -52,7 +52,10 @@ Mismatch integrate_against_model(const double* osc0, double J2) {
   const double eta = std::sqrt(1.0 - e * e);
   const double n = std::sqrt(kMuEarth / (a * a * a));
   const double kappa = J2 * kReqEarth * kReqEarth / (a * a * eta * eta * eta * eta);
-  const double rate[6] = {0.0, 0.0, 0.0, -1.5 * n * kappa * c,
+  const double rate[6] = {0.0,
+                          0.0,
+                          0.0,
+                          -1.5 * n * kappa * c,
                           0.75 * n * kappa * (5.0 * c * c - 1.0),
                           n * (1.0 + 0.75 * kappa * eta * (3.0 * c * c - 1.0))};
   double y[6];
@@ -68,8 +71,10 @@ Mismatch integrate_against_model(const double* osc0, double J2) {
     EXPECT_EQ(flag, 1);
     for (int k = 0; k < 6; ++k) {
       const double scale = k == 0 ? 1.0 / a : 1.0;
-      const double dm = k >= 3 ? std::remainder(model[k] - numeric[k], kTwoPi) : model[k] - numeric[k];
-      const double dp = k >= 3 ? std::remainder(mean_t[k] - numeric[k], kTwoPi) : mean_t[k] - numeric[k];
+      const double dm =
+          k >= 3 ? std::remainder(model[k] - numeric[k], kTwoPi) : model[k] - numeric[k];
+      const double dp =
+          k >= 3 ? std::remainder(mean_t[k] - numeric[k], kTwoPi) : mean_t[k] - numeric[k];
       m.with_terms[k] = std::fmax(m.with_terms[k], std::fabs(dm) * scale);
       m.without_terms[k] = std::fmax(m.without_terms[k], std::fabs(dp) * scale);
     }
@@ -80,8 +85,9 @@ Mismatch integrate_against_model(const double* osc0, double J2) {
 // Short-period amplitudes are of order J2 (1e-3); what the model leaves is of order J2^2
 // (divided by e^2 in argp and M): halving J2 quarters it, and only halves the amplitude.
 TEST(M2O2, MatchesNumericallyIntegratedJ2MotionToSecondOrder) {
-  const double starts[][6] = {{7000.0, 0.05, 50.0 * kDeg, 30.0 * kDeg, 60.0 * kDeg, 10.0 * kDeg},
-                              {9000.0, 0.2, 110.0 * kDeg, 250.0 * kDeg, 200.0 * kDeg, 300.0 * kDeg}};
+  const double starts[][6] = {
+      {7000.0, 0.05, 50.0 * kDeg, 30.0 * kDeg, 60.0 * kDeg, 10.0 * kDeg},
+      {9000.0, 0.2, 110.0 * kDeg, 250.0 * kDeg, 200.0 * kDeg, 300.0 * kDeg}};
   for (const auto& osc0 : starts) {
     const Mismatch m = integrate_against_model(osc0, kJ2Earth);
     for (int k = 0; k < 6; ++k) {
@@ -127,8 +133,8 @@ TEST(O2M2, RecoversTheMeanSetWithAVanishingResidual) {
 TEST(M2O2, RefusesInputsOutsideItsRange) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double good[6] = {7000.0, 0.05, 0.5, 0.1, 0.2, 0.3};
-  const double bad[][2] = {{1, 0.0}, {1, 1.0}, {1, -0.1}, {0, -7000.0}, {2, nan}, {5, INFINITY},
-                           {6, 0.0}, {7, nan}};  // 6, 7: mu and J2
+  const double bad[][2] = {{1, 0.0}, {1, 1.0},      {1, -0.1}, {0, -7000.0},
+                           {2, nan}, {5, INFINITY}, {6, 0.0},  {7, nan}};  // 6, 7: mu and J2
   for (const auto& change : bad) {
     double mean[6], para[3] = {kMuEarth, kJ2Earth, kReqEarth};
     std::copy(good, good + 6, mean);
@@ -147,7 +153,9 @@ void scalar_residual(int& flag, double* res, const double* x, const double* para
   res[0] = x[0] + 0.25 * std::sin(x[0]) - para[0];
   flag = 1;
 }
-void failing_residual(int& flag, double*, const double*, const double*) { flag = 0; }
+void failing_residual(int& flag, double*, const double*, const double*) {
+  flag = 0;
+}
 
 TEST(FixedPointSolve, FindsTheRootAndReportsFailures) {
   const double target[1] = {2.0}, tol[1] = {1e-15};

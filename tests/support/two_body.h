@@ -32,7 +32,9 @@ inline double rv_err(const double* a, const double* b) {
 }
 
 // Distance between two angles on the circle.
-inline double angle_diff(double a, double b) { return std::fabs(std::remainder(a - b, kTwoPi)); }
+inline double angle_diff(double a, double b) {
+  return std::fabs(std::remainder(a - b, kTwoPi));
+}
 
 inline std::string show(const double* x, int n = 6) {
   std::ostringstream os;
