@@ -11,12 +11,13 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "support/error_case.h"
 #include "support/e2e.h"
+#include "support/error_case.h"
 
 namespace kavren::test {
 namespace {
@@ -140,7 +141,8 @@ TEST(Robustness, MissingOrUnreadableFiles) {
 
 TEST(Robustness, EmptyAndBlankSolutions) {
   const std::string& catalogue = demo_scenario().catalogue;
-  const std::string empty_line1 = "ErrorA09. File Format Error on the line 1: This line is empty!\n";
+  const std::string empty_line1 =
+      "ErrorA09. File Format Error on the line 1: This line is empty!\n";
   expect_outcome(run_text("", catalogue),
                  "ErrorA02. File Open Error: The solution file is empty.\n", 0);
   expect_outcome(run_text("\n", catalogue), empty_line1, 0);
@@ -153,13 +155,13 @@ TEST(Robustness, EmptyAndBlankSolutions) {
 
 TEST(Robustness, EmptyOrBlankCatalogueLeavesEveryRowZero) {
   const std::string launch = joined(launch_pair());
-  for (const std::string& catalogue : {std::string(), std::string("   \n \t \n\n"),
-                                       std::string("header without line break")}) {
+  for (const std::string& catalogue :
+       {std::string(), std::string("   \n \t \n\n"), std::string("header without line break")}) {
     expect_outcome(run_text(launch, catalogue), kOneLaunchOnlyShip, 0);
   }
 }
 
-// --- Line ends and stray bytes ---------------------------------------------------
+// --- Edits of single lines ---------------------------------------------------------
 
 TEST(Robustness, CarriageReturnLineEndsChangeNothing) {
   std::string catalogue;
@@ -170,68 +172,149 @@ TEST(Robustness, CarriageReturnLineEndsChangeNothing) {
   expect_demo_outcome(run_text(joined(demo_scenario().lines, "\r\n"), catalogue));
 }
 
-TEST(Robustness, NulBytesEndALinesText) {
-  std::vector<std::string> lines = demo_scenario().lines;
-  // After the last token: whatever follows the NUL is not part of the line.
-  lines[kFirstArcLine - 1] += with_nul("\0 7 7 7 7");
-  expect_demo_outcome(run_lines(lines));
+using Lines = std::vector<std::string>;
 
-  // After the third token: the line has three tokens left.
-  lines = demo_scenario().lines;
-  lines[kFirstArcLine - 1] = "1\t-1\t64411.25" + with_nul("\0\t0\t0\t0");
-  expect_outcome(run_lines(lines),
-                 line_message("ErrorA09. File Format Error on the line ", kFirstArcLine,
-                              kUnreasonable),
-                 0);
+struct LineEdit {
+  std::string name;
+  std::function<void(Lines&)> edit;
+  std::string out;  // empty: the unchanged demo's outcome
+};
 
-  // Found by fuzzing: a first line whose text is one token. It has no event ID.
-  expect_outcome(
-      run_text(with_nul("-29.60`\0000216086973.5\t-2.258\n"), demo_scenario().catalogue),
-      line_message("ErrorA09. File Format Error on the line ", 1, kUnreasonable), 0);
+// Stray bytes, huge lines, numbers in unusual forms, NaN in the integration and IDs
+// beyond 32 bits, each an edit of the demo; every run ends with status 0.
+std::vector<LineEdit> line_edits() {
+  const std::string unreasonable_3 =
+      line_message("ErrorA09. File Format Error on the line ", kFirstArcLine, kUnreasonable);
+  const std::string ship_error =
+      "ErrorA12. File Format Error on the line1: The ID of the ship is wrong.\n";
+  const std::size_t megabyte = 1 << 20;
+  const int arc = kFirstArcLine - 1;
+  // The demo's first rendezvous (lines 15 and 16).
+  const int visit = kSecondPhaseClose;
+  const std::string asteroid = tokens_of(demo_scenario().lines.at(visit))[1];
+  std::vector<LineEdit> edits = {
+      // Bytes after a NUL are not part of the line: after the last token nothing changes;
+      // after the third token the line has three tokens left.
+      {"NulAfterTheLastToken", [=](Lines& l) { l[arc] += with_nul("\0 7 7 7 7"); }, ""},
+      {"NulAfterTheThirdToken",
+       [=](Lines& l) { l[arc] = "1\t-1\t64411.25" + with_nul("\0\t0\t0\t0"); }, unreasonable_3},
+      // Trailing bytes of a number are not part of it: the mass still reads 2000. Bytes
+      // above 127 are not white space: here they form a seventh token. A byte-order mark
+      // glues onto the first ship ID, which then reads as 0.
+      {"NonAsciiAfterANumber", [](Lines& l) { l[0] += "\xc3\xa9\xff"; }, ""},
+      {"NonAsciiToken", [=](Lines& l) { l[arc] += " \xa0\x85"; }, unreasonable_3},
+      {"ByteOrderMark", [](Lines& l) { l[0] = "\xef\xbb\xbf" + l[0]; }, ship_error},
+      // Lines of a megabyte; trailing zeros leave an epoch's value as it is.
+      {"MegabyteOfBlanks", [=](Lines& l) { l[arc] += std::string(megabyte, ' '); }, ""},
+      {"MegabyteOfZeros",
+       [=](Lines& l) { l[arc] = with_token(l[arc], 2, "64411.25" + std::string(megabyte, '0')); },
+       ""},
+      {"MegabyteOfLetters", [=](Lines& l) { l[arc] = std::string(megabyte, 'x'); }, unreasonable_3},
+      // Every epoch, state, mass and thrust as a hexadecimal float of the same value,
+      // every zero as "-0": the same doubles, so the same outcome.
+      {"HexadecimalAndSignedZeros",
+       [](Lines& l) {
+         for (std::string& line : l) {
+           line = map_tokens(line, [](int k, const std::string& token) {
+             if (k < 2) return token;  // ship and event IDs are integers
+             return std::stod(token) == 0.0 ? std::string("-0") : hex_float(token);
+           });
+         }
+       },
+       ""},
+      // 0x1p16 = 65536 puts the first arc line after its successor: no phase opens there.
+      {"HexadecimalEpochInsideTheMission",
+       [=](Lines& l) { l[arc] = with_token(l[arc], 2, "0x1p16"); },
+       "ErrorA03. File Format Error on the line 3: Missing the first line of the burning arc.\n"},
+      // NaN passes every limit test: once the integration meets NaN the state reached is
+      // NaN and the arc is accepted whatever its end state says. A last step of no time
+      // (two thrust lines at one epoch, then the closing line) divides by zero.
+      {"NaNThrust", [](Lines& l) { l[4] = with_token(l[4], 3, "nan"); }, ""},
+      {"NaNEpoch", [](Lines& l) { l[4] = with_token(l[4], 2, "nan"); }, ""},
+      {"LastStepOfNoTime",
+       [](Lines& l) {
+         l[6] = with_token(with_token(l[6], 2, "64413.25"), 3, "0.1");
+         l[7] = with_token(l[7], 2, "64413.25");
+       },
+       ""},
+      // IDs are reduced modulo 2^32 as atoi does: 2^32 + 1 is ship 1, and an asteroid ID
+      // plus or minus 2^32 is the same asteroid.
+      {"ShipIdPlusTwoToThe32",
+       [](Lines& l) {
+         for (std::string& line : l) {
+           if (tokens_of(line)[0] == "1") line = with_token(line, 0, "4294967297");
+         }
+       },
+       ""},
+      {"AsteroidIdBeyondTheCatalogue",
+       [=](Lines& l) { l[visit] = with_token(l[visit], 1, "60001"); },
+       "ErrorA10. File Format Error on the line15: The event ID is unreasonable.\n"},
+      // 2^32 reads as 0, a launch: one launch line too many.
+      {"AsteroidIdTwoToThe32", [=](Lines& l) { l[visit] = with_token(l[visit], 1, "4294967296"); },
+       "ErrorA13. File Format Error: The number of mining ships does not match the number of "
+       "launch events.\n"},
+  };
+  for (long long shift : {4294967296LL, -4294967296LL}) {
+    const std::string id = std::to_string(std::stoll(asteroid) + shift);
+    edits.push_back({"AsteroidIdShifted" + id,
+                     [=](Lines& l) {
+                       for (int k : {visit, visit + 1}) l[k] = with_token(l[k], 1, id);
+                     },
+                     ""});
+  }
+  // 2^32 is 0, 2^31 is negative, a number beyond the range of long saturates to -1.
+  for (const char* id : {"4294967296", "2147483648", "99999999999999999999999"}) {
+    edits.push_back({std::string("ShipId") + id, [=](Lines& l) { l[0] = with_token(l[0], 0, id); },
+                     ship_error});
+  }
+  for (const char* value : {"1e400", "inf", "-INF"}) {  // line 4, the first thrust line
+    edits.push_back(
+        {std::string("Thrust") + value, [=](Lines& l) { l[3] = with_token(l[3], 4, value); },
+         "Error401. Thrust Magnitude Error on the line 4: The thrust magnitude is inf N, "
+         "greater than the maximum 0.6N.\n"});
+  }
+  const std::string later =
+      "Error002. Event Time Error on the line3: The epoch is later than "
+      "the mission's end time (69807 MJD).\n";
+  const std::string earlier =
+      "Error001. Event Time Error on the line3: The epoch is earlier "
+      "than the mission's initial time (64328 MJD).\n";
+  for (const char* epoch : {"1e400", "inf", "INFINITY", "0x1p17"}) {
+    edits.push_back({std::string("Epoch") + epoch,
+                     [=](Lines& l) { l[arc] = with_token(l[arc], 2, epoch); }, later});
+  }
+  for (const char* epoch : {"-1e400", "-inf", "-0", "0x1p-1074", "1e-400"}) {
+    edits.push_back({std::string("Epoch") + epoch,
+                     [=](Lines& l) { l[arc] = with_token(l[arc], 2, epoch); }, earlier});
+  }
+  return edits;
 }
 
-TEST(Robustness, NonAsciiBytes) {
-  std::vector<std::string> lines = demo_scenario().lines;
-  // Trailing bytes of a number are not part of it: the mass still reads 2000.
-  lines[0] += "\xc3\xa9\xff";
-  expect_demo_outcome(run_lines(lines));
+TEST(Robustness, EditsOfTheDemo) {
+  ASSERT_EQ(tokens_of(demo_scenario().lines[0])[0], "1");
+  ASSERT_EQ(find_line(demo_scenario().lines,
+                      std::stoi(tokens_of(demo_scenario().lines[kSecondPhaseClose])[1])),
+            kSecondPhaseClose);
+  for (const LineEdit& e : line_edits()) {
+    SCOPED_TRACE(e.name);
+    Lines lines = demo_scenario().lines;
+    e.edit(lines);
+    const RunResult run = run_lines(lines);
+    if (e.out.empty()) {
+      expect_demo_outcome(run);
+    } else {
+      expect_outcome(run, e.out, 0);
+    }
+  }
+}
 
-  // Bytes above 127 are not white space: here they form a seventh token.
-  lines = demo_scenario().lines;
-  lines[kFirstArcLine - 1] += " \xa0\x85";
-  expect_outcome(run_lines(lines),
-                 line_message("ErrorA09. File Format Error on the line ", kFirstArcLine,
-                              kUnreasonable),
-                 0);
-
-  // A byte-order mark glues onto the first ship ID, which then reads as 0.
-  lines = demo_scenario().lines;
-  lines[0] = "\xef\xbb\xbf" + lines[0];
-  expect_outcome(run_lines(lines),
-                 "ErrorA12. File Format Error on the line1: The ID of the ship is wrong.\n", 0);
+// Found by fuzzing: a first line whose text is one token. It has no event ID.
+TEST(Robustness, FirstLineOfOneToken) {
+  expect_outcome(run_text(with_nul("-29.60`\0000216086973.5\t-2.258\n"), demo_scenario().catalogue),
+                 line_message("ErrorA09. File Format Error on the line ", 1, kUnreasonable), 0);
 }
 
 // --- Size --------------------------------------------------------------------------
-
-TEST(Robustness, LinesOfAMegabyte) {
-  const std::size_t megabyte = 1 << 20;
-  std::vector<std::string> lines = demo_scenario().lines;
-  lines[kFirstArcLine - 1] += std::string(megabyte, ' ');
-  expect_demo_outcome(run_lines(lines));
-
-  // An epoch of a megabyte of digits: trailing zeros leave its value as it is.
-  lines = demo_scenario().lines;
-  lines[kFirstArcLine - 1] =
-      with_token(lines[kFirstArcLine - 1], 2, "64411.25" + std::string(megabyte, '0'));
-  expect_demo_outcome(run_lines(lines));
-
-  lines = demo_scenario().lines;
-  lines[kFirstArcLine - 1] = std::string(megabyte, 'x');
-  expect_outcome(run_lines(lines),
-                 line_message("ErrorA09. File Format Error on the line ", kFirstArcLine,
-                              kUnreasonable),
-                 0);
-}
 
 // The three runs below are complexity guards: their CTest timeout (tests/CMakeLists.txt)
 // fails work that grows faster than the file.
@@ -274,125 +357,6 @@ TEST(Robustness, HalfAMillionShips) {
                  "Error301. Mining Ship Number Error: The number of Mining Ships is 500000, "
                  "greater than the appropriable maximum number 2.\n",
                  3);
-}
-
-// --- Numbers -----------------------------------------------------------------------
-
-TEST(Robustness, EpochsBeyondTheMissionWhateverTheirForm) {
-  const std::string later = "Error002. Event Time Error on the line3: The epoch is later than "
-                            "the mission's end time (69807 MJD).\n";
-  const std::string earlier = "Error001. Event Time Error on the line3: The epoch is earlier "
-                              "than the mission's initial time (64328 MJD).\n";
-  const std::map<std::string, std::string> cases = {
-      {"1e400", later}, {"inf", later},     {"INFINITY", later}, {"0x1p17", later},
-      {"-1e400", earlier}, {"-inf", earlier}, {"-0", earlier},   {"0x1p-1074", earlier},
-      {"1e-400", earlier}};
-  for (const auto& [epoch, message] : cases) {
-    std::vector<std::string> lines = demo_scenario().lines;
-    lines[kFirstArcLine - 1] = with_token(lines[kFirstArcLine - 1], 2, epoch);
-    expect_outcome(run_lines(lines), message, 0);
-  }
-}
-
-TEST(Robustness, HexadecimalAndSignedZeroNumbersReadAsTheirValues) {
-  // Every epoch, state, mass and thrust written as a hexadecimal float of the same value,
-  // every zero as "-0": the same doubles, so the same outcome.
-  std::vector<std::string> lines = demo_scenario().lines;
-  for (std::string& line : lines) {
-    line = map_tokens(line, [](int k, const std::string& token) {
-      if (k < 2) return token;  // ship and event IDs are integers
-      if (std::stod(token) == 0.0) return std::string("-0");
-      return hex_float(token);
-    });
-  }
-  expect_demo_outcome(run_lines(lines));
-
-  // A hexadecimal epoch inside the mission is an epoch like any other: 0x1p16 = 65536
-  // puts the first arc line after its successor, so no phase can open there.
-  lines = demo_scenario().lines;
-  lines[kFirstArcLine - 1] = with_token(lines[kFirstArcLine - 1], 2, "0x1p16");
-  expect_outcome(run_lines(lines),
-                 "ErrorA03. File Format Error on the line 3: Missing the first line of the "
-                 "burning arc.\n",
-                 0);
-}
-
-TEST(Robustness, InfiniteThrustIsAboveTheLimit) {
-  for (const char* value : {"1e400", "inf", "-INF"}) {
-    std::vector<std::string> lines = demo_scenario().lines;
-    lines[3] = with_token(lines[3], 4, value);  // line 4, the first thrust line
-    expect_outcome(run_lines(lines),
-                   "Error401. Thrust Magnitude Error on the line 4: The thrust magnitude is inf "
-                   "N, greater than the maximum 0.6N.\n",
-                   0);
-  }
-}
-
-// NaN passes every limit test. Once the integration meets NaN the state reached is NaN,
-// and the comparison with the state in the file fails none of its three tests: the arc
-// is accepted whatever its end state says.
-TEST(Robustness, IntegrationThatMeetsNaNCannotFail) {
-  const std::vector<std::string>& demo = demo_scenario().lines;
-  // A NaN thrust inside a phase.
-  std::vector<std::string> lines = demo;
-  lines[4] = with_token(lines[4], 3, "nan");
-  expect_demo_outcome(run_lines(lines));
-
-  // A NaN epoch inside a phase: the one-day step test cannot fail on it either.
-  lines = demo;
-  lines[4] = with_token(lines[4], 2, "nan");
-  expect_demo_outcome(run_lines(lines));
-
-  // A last step of no time: the phase's last two thrust lines share an epoch (with a
-  // thrust, so the phase does not close early), the closing line follows at that epoch.
-  // Interpolating between two points at one time divides by zero.
-  lines = demo;
-  lines[6] = with_token(with_token(lines[6], 2, "64413.25"), 3, "0.1");
-  lines[7] = with_token(lines[7], 2, "64413.25");
-  expect_demo_outcome(run_lines(lines));
-}
-
-TEST(Robustness, IdentifiersBeyondThirtyTwoBits) {
-  const std::vector<std::string>& demo = demo_scenario().lines;
-  const std::string ship_error =
-      "ErrorA12. File Format Error on the line1: The ID of the ship is wrong.\n";
-  // Reduced modulo 2^32 as atoi does: 2^32 + 1 is ship 1, 2^32 is 0, 2^31 is negative, and
-  // a number beyond the range of long saturates to all ones, -1.
-  std::vector<std::string> lines = demo;
-  const std::string first_ship = tokens_of(demo[0])[0];
-  ASSERT_EQ(first_ship, "1");
-  for (std::string& line : lines) {
-    if (tokens_of(line)[0] == first_ship) line = with_token(line, 0, "4294967297");
-  }
-  expect_demo_outcome(run_lines(lines));
-  for (const char* id : {"4294967296", "2147483648", "99999999999999999999999"}) {
-    lines = demo;
-    lines[0] = with_token(lines[0], 0, id);
-    expect_outcome(run_lines(lines), ship_error, 0);
-  }
-
-  // The first rendezvous (lines 15 and 16): its asteroid ID plus or minus 2^32 is the
-  // same asteroid.
-  const int visit = find_line(demo, std::stoi(tokens_of(demo[kSecondPhaseClose])[1]));
-  ASSERT_EQ(visit, kSecondPhaseClose);
-  const long long asteroid = std::stoll(tokens_of(demo[visit])[1]);
-  for (long long shifted : {asteroid + 4294967296LL, asteroid - 4294967296LL}) {
-    lines = demo;
-    lines[visit] = with_token(lines[visit], 1, std::to_string(shifted));
-    lines[visit + 1] = with_token(lines[visit + 1], 1, std::to_string(shifted));
-    expect_demo_outcome(run_lines(lines));
-  }
-  lines = demo;
-  lines[visit] = with_token(lines[visit], 1, "60001");
-  expect_outcome(run_lines(lines),
-                 "ErrorA10. File Format Error on the line15: The event ID is unreasonable.\n", 0);
-  // 2^32 reads as 0, a launch: one launch line too many.
-  lines = demo;
-  lines[visit] = with_token(lines[visit], 1, "4294967296");
-  expect_outcome(run_lines(lines),
-                 "ErrorA13. File Format Error: The number of mining ships does not match the "
-                 "number of launch events.\n",
-                 0);
 }
 
 // --- Short catalogues --------------------------------------------------------------

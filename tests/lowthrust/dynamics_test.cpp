@@ -1,8 +1,6 @@
 // Equations of motion against a plain form written the obvious way (arrays rebuilt at
 // every call, the table scanned from its start), the thrust cap and the 0.3 AU guard.
-#include "astro/constants.h"
 #include "lowthrust/dynamics.h"
-#include "lowthrust/rkf78_loop.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "astro/constants.h"
+#include "lowthrust/rkf78_loop.h"
 #include "support/capture.h"
 
 namespace {
@@ -105,50 +105,33 @@ TEST(ThrustInterpolation, CubicDataIsReproducedInsideLongTables) {
   }
 }
 
-// --- Forces --------------------------------------------------------------------------------
-
-TEST(LowThrustForces, OverLimitThrustIsClampedForAccelerationAndMassFlow) {
-  // 0.7 N split 0.42 / 0.56 / 0, tabulated as a constant.
-  const auto b = block(0, {0.0}, {{0.42, 0.56, 0.0}});
-  const double y[7] = {1.0, 0.0, 0.0, 0.0, 1.0, 0.0, 800.0};
-  double dy[7], gravity[7];
-  LowThrustDy(0.3, y, dy, b.data());
-  const double line[1] = {0.0};
-  TwoBodyDy(0.3, y, gravity, line);
-  const double to_canonical = 0.001 / 800.0 / kavren::kACC;
-  EXPECT_NEAR(dy[3] - gravity[3], 0.36 * to_canonical, 1e-15);
-  EXPECT_NEAR(dy[4] - gravity[4], 0.48 * to_canonical, 1e-15);
-  EXPECT_EQ(dy[5], gravity[5]);
-  // Mass flow of 0.6 N at 4000 s specific impulse, per canonical time unit.
-  EXPECT_NEAR(dy[6], -0.6e-3 / (4000.0 * 0.00980665) * kavren::kTU, 1e-9);
-  EXPECT_EQ(dy[0], 0.0);
-  EXPECT_EQ(dy[1], 1.0);
-}
-
 // --- The 0.3 AU guard ---------------------------------------------------------------------
 
 const char* const kTail = ": The distance to the Sun of the mining ship is less than 0.3 AU.\n";
 
+// Six table points at t = 0..5 TU after reference line 100 (the block's first line): the
+// message names the lines of the interval around t; a reference at the top of the int
+// range prints the true sums.
 TEST(SunDistanceGuard, ThrustInsideLimitNamesTheTableInterval) {
-  // Six table points at t = 0..5 TU, reference line 100.
   const auto b = block(100, {0.0, 1.0, 2.0, 3.0, 4.0, 5.0},
                        std::vector<std::vector<double>>(6, {0.1, 0.0, 0.0}));
   const double inside[7] = {0.1, 0.1, 0.0, 1.0, 0.0, 0.0, 500.0};
-  double dy[7];
-  auto o = capture([&] { LowThrustDy(2.5, inside, dy, b.data()); });
-  EXPECT_EQ(o.status, 1);
-  EXPECT_EQ(o.out, std::string("Error101. Position Error between line 103 and line 108") + kTail);
-  o = capture([&] { LowThrustDy(2.0, inside, dy, b.data()); });  // the interval ending at 2
-  EXPECT_EQ(o.out, std::string("Error101. Position Error between line 102 and line 107") + kTail);
-  o = capture([&] { LowThrustDy(7.0, inside, dy, b.data()); });  // past the table
-  EXPECT_EQ(o.out, std::string("Error101. Position Error between line 101 and line 106") + kTail);
-  // A reference at the top of the int range prints the true sums.
-  auto top = b;
-  top[0] = 3e9;
-  o = capture([&] { LowThrustDy(2.5, inside, dy, top.data()); });
-  EXPECT_EQ(o.out,
-            std::string("Error101. Position Error between line 2147483650 and line 2147483655") +
-                kTail);
+  const struct {
+    double reference, t;
+    const char* lines;
+  } cases[] = {{100, 2.5, "line 103 and line 108"},
+               {100, 2.0, "line 102 and line 107"},  // the interval ending at 2
+               {100, 7.0, "line 101 and line 106"},  // past the table
+               {3e9, 2.5, "line 2147483650 and line 2147483655"}};
+  for (const auto& c : cases) {
+    auto table = b;
+    table[0] = c.reference;
+    double dy[7];
+    const auto o = capture([&] { LowThrustDy(c.t, inside, dy, table.data()); });
+    EXPECT_EQ(o.status, 1);
+    EXPECT_EQ(o.out, std::string("Error101. Position Error between ") + c.lines +
+                         ": The distance to the Sun of the mining ship is less than 0.3 AU.\n");
+  }
 }
 
 // --- Against the plain form -------------------------------------------------------------
@@ -191,9 +174,9 @@ std::vector<double> probe_times(const std::vector<double>& x, std::mt19937_64& r
   const double hi = *std::max_element(x.begin(), x.end());
   std::uniform_real_distribution<double> inside(lo, hi);
   for (int k = 0; k < 8; ++k) probes.push_back(inside(rng));
-  for (double v : std::vector<double>{lo - 1.0, hi + 1.0, std::nextafter(lo, -INFINITY), std::nextafter(hi, INFINITY),
-                   0.0, 5e-170, 2.5e-170, 1.7e308, -1.7e308,
-                                     std::nan(""), HUGE_VAL}) {
+  for (double v : std::vector<double>{lo - 1.0, hi + 1.0, std::nextafter(lo, -INFINITY),
+                                      std::nextafter(hi, INFINITY), 0.0, 5e-170, 2.5e-170, 1.7e308,
+                                      -1.7e308, std::nan(""), HUGE_VAL}) {
     probes.push_back(v);
   }
   return probes;
@@ -214,8 +197,7 @@ TEST(PlainForm, DerivativesAgreeBitForBit) {
       kavren::ThrustModel model;
       model.table = kavren::thrust_table_of(b.data(), true);
       model.line = 7;
-      if (shape == Shape::kIncreasing || shape == Shape::kTiny || shape == Shape::kHuge ||
-          n == 1) {
+      if (shape == Shape::kIncreasing || shape == Shape::kTiny || shape == Shape::kHuge || n == 1) {
         EXPECT_TRUE(model.table.ordered);
       }
       const auto probes = probe_times(times, rng);

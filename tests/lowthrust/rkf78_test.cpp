@@ -2,16 +2,15 @@
 // invariants of a coast against exact two-body motion, and the status flags of its driver.
 #include "lowthrust/rkf78.h"
 
-#include "astro/constants.h"
-
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <string>
 #include <vector>
 
+#include "astro/constants.h"
 #include "lowthrust/dynamics.h"
 #include "support/reference.h"
 
@@ -38,7 +37,8 @@ TEST(Fehlberg78Tableau, QuadratureConditionsHoldUpToEighthOrder) {
   EXPECT_NEAR(static_cast<double>(total), 1.0, 1e-15);
   for (int k = 1; k <= 7; ++k) {
     long double sum = 0.0L;
-    for (int j = 0; j < 13; ++j) sum += RK::RKFc[j] * std::pow(static_cast<long double>(RK::RKFa[j]), k);
+    for (int j = 0; j < 13; ++j)
+      sum += RK::RKFc[j] * std::pow(static_cast<long double>(RK::RKFa[j]), k);
     EXPECT_NEAR(static_cast<double>(sum), 1.0 / (k + 1), 1e-14) << "k = " << k;
   }
 }
@@ -50,7 +50,8 @@ TEST(Fehlberg78Tableau, CouplingConditionsHold) {
     long double sum = 0.0L;
     for (int j = 0; j < 13; ++j) {
       long double inner = 0.0L;
-      for (int l = 0; l < j; ++l) inner += RK::RKFb[j][l] * std::pow(static_cast<long double>(RK::RKFa[l]), k);
+      for (int l = 0; l < j; ++l)
+        inner += RK::RKFb[j][l] * std::pow(static_cast<long double>(RK::RKFa[l]), k);
       sum += RK::RKFc[j] * inner;
     }
     EXPECT_NEAR(static_cast<double>(sum), 1.0 / ((k + 1) * (k + 2)), 1e-14) << "k = " << k;
@@ -61,7 +62,7 @@ TEST(RKUtilities, FollowTheirComparisonRules) {
   EXPECT_EQ(RK::Max(1.0, 2.0), 2.0);
   EXPECT_EQ(RK::Min(1.0, 2.0), 1.0);
   EXPECT_TRUE(std::isnan(RK::Max(NAN, 2.0)));
-  EXPECT_EQ(RK::Max(0.0, NAN), 0.0);                          // a NaN ratio is dropped
+  EXPECT_EQ(RK::Max(0.0, NAN), 0.0);  // a NaN ratio is dropped
   EXPECT_EQ(RK::CopySign(3.0, -1.0), -3.0);
   EXPECT_EQ(RK::CopySign(-3.0, 1.0), 3.0);
   EXPECT_EQ(RK::CopySign(-3.0, -1.0), -3.0);
@@ -85,7 +86,9 @@ const double kLine[1] = {0.0};
 
 // y' = cos t, y = sin t: a right-hand side of time alone, where only the nodes and the
 // weights of the stages count.
-void wave(double t, const double*, double* dy, const double*) { dy[0] = std::cos(t); }
+void wave(double t, const double*, double* dy, const double*) {
+  dy[0] = std::cos(t);
+}
 
 // One step with the eighth-order weights from a point of the circular orbit: the local
 // error falls as h^9.
@@ -117,9 +120,12 @@ TEST(RKF78Step, LocalErrorFallsAsTheNinthPowerOfTheStep) {
 void ellipse_state(double* y) {
   const double a = 1.3, e = 0.25, p = a * (1.0 - e * e), f = 0.4;
   const double r = p / (1.0 + e * std::cos(f));
-  const double in_plane[6] = {r * std::cos(f), r * std::sin(f), 0.0,
+  const double in_plane[6] = {r * std::cos(f),
+                              r * std::sin(f),
+                              0.0,
                               -std::sqrt(1.0 / p) * std::sin(f),
-                              std::sqrt(1.0 / p) * (e + std::cos(f)), 0.0};
+                              std::sqrt(1.0 / p) * (e + std::cos(f)),
+                              0.0};
   const double ci = std::cos(0.3), si = std::sin(0.3);
   for (int k = 0; k < 2; ++k) {
     const double* v = in_plane + 3 * k;
@@ -172,143 +178,135 @@ TEST(RKF78Coast, InvariantsAfterEveryStepForwardThenBack) {
 
 // --- Status flags --------------------------------------------------------------------------
 
-void constant_rate(double, const double*, double* dy, const double*) { dy[0] = 1.0; }
-void still(double, const double*, double* dy, const double*) { dy[0] = 0.0; }
+void constant_rate(double, const double*, double* dy, const double*) {
+  dy[0] = 1.0;
+}
+void still(double, const double*, double* dy, const double*) {
+  dy[0] = 0.0;
+}
 int g_calls = 0;
 // A right-hand side that flips sign at every call: no step is ever smooth enough.
 void jittery(double, const double*, double* dy, const double*) {
   dy[0] = (++g_calls % 2 == 0) ? 1e10 : -1e10;
 }
 
-struct Outcome78 {
+struct Call {
+  RK::DerivFn model;
+  double t, tout;
   int flag;
-  int returned;
-  double t;
-  double y;
+  double relTol = 1e-12, absTol = 1.0;
+  int maxEval = 100000, dim = 1;
+  double y0 = 0.0;
 };
 
-Outcome78 run(RK::DerivFn model, double t, double tout, int flag, double relTol = 1e-12,
-        double absTol = 1.0, int maxEval = 100000, int dim = 1, double y0 = 0.0,
-        std::FILE* out = nullptr) {
-  double y = y0;
-  double work[14];
-  const int returned = RK::RKF78(model, &y, nullptr, t, tout, dim, relTol, &absTol, flag, work,
-                                 maxEval, out);
+struct Outcome78 {
+  int flag, returned;  // -1: not compared
+  double t, y;         // NaN: not compared
+};
+
+Outcome78 run(const Call& r, std::FILE* out = nullptr) {
+  double y = r.y0, t = r.t, work[14];
+  int flag = r.flag;
+  const int returned = RK::RKF78(r.model, &y, nullptr, t, r.tout, r.dim, r.relTol, &r.absTol, flag,
+                                 work, r.maxEval, out);
   return {flag, returned, t, y};
 }
 
-TEST(RKF78Flags, EmptyIntervalDoublesTheEntryFlagAndWritesOneLine) {
+// One call from a fresh start. With y' = 1 and absTol 1 the first step is
+// 1 (tol / |f|)^(1/8) = 1, and an error-free step grows the next by 5.
+TEST(RKF78Flags, OneCallEndsWithItsStatus) {
+  const double x = NAN;
+  const struct {
+    Call run;
+    Outcome78 expected;
+  } cases[] = {
+      // An empty interval doubles the entry flag and lands (flag 0: nothing validated).
+      {{constant_rate, 2.0, 2.0 + 0.9e-14, 1, 1e-12, 1.0, 100000, 1, 4.5},
+       {2, 1, 2.0 + 0.9e-14, 4.5}},
+      {{constant_rate, 2.0, 2.0, -1}, {-2, -1, 2.0, x}},
+      {{constant_rate, 2.0, 2.0, 5}, {10, -1, 2.0, x}},
+      {{constant_rate, 2.0, 2.0, 0}, {0, -1, 2.0, x}},
+      // Invalid input: dimension, tolerances, entry flags.
+      {{constant_rate, 0.0, 1.0, 1, 1e-12, 1.0, 100000, 0}, {8, -1, 0.0, x}},
+      {{constant_rate, 0.0, 1.0, 1, -1e-12}, {8, -1, 0.0, x}},
+      {{constant_rate, 0.0, 1.0, 1, 1e-12, -1e-10}, {8, -1, 0.0, x}},
+      {{constant_rate, 0.0, 1.0, 0}, {8, -1, 0.0, x}},
+      {{constant_rate, 0.0, 1.0, -9}, {8, -1, 0.0, x}},
+      {{constant_rate, 0.0, 1.0, 9, 1e-12, 1.0, 100000, 1, 3.0}, {8, 0, 0.0, 3.0}},
+      // The relative tolerance has a floor.
+      {{constant_rate, 0.0, 1.0, 1, 1e-15}, {3, 0, 0.0, x}},
+      {{constant_rate, 0.0, 1.0, 1, 1e-12}, {2, -1, 1.0, x}},
+      // The budget is tested at each new step: one evaluation at the start and 8 + 1 for
+      // the first step make 10.
+      {{constant_rate, 0.0, 10.0, 1, 1e-12, 1.0, 0}, {4, -1, 0.0, x}},
+      {{constant_rate, 0.0, 10.0, 1, 1e-12, 1.0, 9}, {4, -1, 1.0, x}},
+      {{constant_rate, 0.0, 10.0, 1, 1e-12, 1.0, 10}, {4, -1, 5.5, x}},
+      // A non-positive error scale; an accuracy no step reaches.
+      {{still, 0.0, 1.0, 1, 1e-12, 0.0}, {5, 0, 0.0, x}},
+      {{jittery, 1000.0, 1001.0, 1, 1e-12, 1e-12, 100000, 1, 1.0}, {6, -1, 1000.0, 1.0}},
+      // One-step mode; an interval under two steps is taken in two halves.
+      {{constant_rate, 0.0, 10.0, -1}, {-2, -1, 1.0, x}},
+      {{constant_rate, 0.0, 1.5, -1}, {-2, -1, 0.75, x}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.run.t) + " to " + std::to_string(c.run.tout) + " flag " +
+                 std::to_string(c.run.flag) + " budget " + std::to_string(c.run.maxEval));
+    const Outcome78 got = run(c.run);
+    EXPECT_EQ(got.flag, c.expected.flag);
+    if (c.expected.returned >= 0) {
+      EXPECT_EQ(got.returned, c.expected.returned);
+    }
+    EXPECT_EQ(got.t, c.expected.t);
+    if (!std::isnan(c.expected.y)) {
+      EXPECT_EQ(got.y, c.expected.y);
+    }
+  }
+  // A landing writes its state to the output file.
   std::FILE* out = std::tmpfile();
   ASSERT_NE(out, nullptr);
-  const Outcome78 r = run(constant_rate, 2.0, 2.0 + 0.9e-14, 1, 1e-12, 1.0, 100000, 1, 4.5, out);
-  EXPECT_EQ(r.flag, 2);
-  EXPECT_EQ(r.returned, 1);
-  EXPECT_EQ(r.t, 2.0 + 0.9e-14);
-  EXPECT_EQ(r.y, 4.5);
+  run(cases[0].run, out);
   std::rewind(out);
-  char text[128] = {};
+  char text[128] = {}, expected[128];
   const std::size_t size = std::fread(text, 1, sizeof text - 1, out);
   std::fclose(out);
-  char expected[128];
   std::snprintf(expected, sizeof expected, "%22.14e%24.14e\n", 2.0 + 0.9e-14, 4.5);
   EXPECT_EQ(std::string(text, size), std::string(expected));
-  EXPECT_EQ(run(constant_rate, 2.0, 2.0, -1).flag, -2);
-  EXPECT_EQ(run(constant_rate, 2.0, 2.0, 5).flag, 10);
-  EXPECT_EQ(run(constant_rate, 2.0, 2.0, 0).flag, 0);  // nothing validated first
 }
 
-TEST(RKF78Flags, InvalidInputGivesEight) {
-  EXPECT_EQ(run(constant_rate, 0.0, 1.0, 1, 1e-12, 1.0, 100000, 0).flag, 8);
-  EXPECT_EQ(run(constant_rate, 0.0, 1.0, 1, -1e-12).flag, 8);
-  EXPECT_EQ(run(constant_rate, 0.0, 1.0, 1, 1e-12, -1e-10).flag, 8);
-  EXPECT_EQ(run(constant_rate, 0.0, 1.0, 0).flag, 8);
-  EXPECT_EQ(run(constant_rate, 0.0, 1.0, 9).flag, 8);
-  EXPECT_EQ(run(constant_rate, 0.0, 1.0, -9).flag, 8);
-  const Outcome78 r = run(constant_rate, 0.0, 1.0, 9, 1e-12, 1.0, 100000, 1, 3.0);
-  EXPECT_EQ(r.returned, 0);
-  EXPECT_EQ(r.t, 0.0);
-  EXPECT_EQ(r.y, 3.0);
-}
-
-TEST(RKF78Flags, RelativeToleranceFloor) {
-  const Outcome78 refused = run(constant_rate, 0.0, 1.0, 1, 1e-15);
-  EXPECT_EQ(refused.flag, 3);
-  EXPECT_EQ(refused.returned, 0);
-  EXPECT_EQ(refused.t, 0.0);
-  EXPECT_EQ(run(constant_rate, 0.0, 1.0, 1, 1e-12).flag, 2);
-}
-
-// y' = 1 from 0 with absTol 1: the first step is 1 (tol / |f|)^(1/8); an error-free step
-// grows the next by 5.
-TEST(RKF78Flags, OneStepModeAndRestartsWithoutAFreshEvaluation) {
-  double y = 0.0;
-  double t = 0.0;
-  double work[14];
-  const double absTol = 1.0;
-  int flag = -1;
-  RK::RKF78(constant_rate, &y, nullptr, t, 10.0, 1, 1e-12, &absTol, flag, work, 100000, nullptr);
-  EXPECT_EQ(flag, -2);
-  EXPECT_EQ(t, 1.0);
-  flag = 2;  // reset to 0: one step on the stored derivative
-  RK::RKF78(constant_rate, &y, nullptr, t, 10.0, 1, 1e-12, &absTol, flag, work, 100000, nullptr);
-  EXPECT_EQ(flag, -2);
-  EXPECT_EQ(t, 2.0);  // every call chooses its first step afresh
-  flag = -2;
-  RK::RKF78(constant_rate, &y, nullptr, t, 2.5, 1, 1e-12, &absTol, flag, work, 100000, nullptr);
-  EXPECT_EQ(flag, 2);
-  EXPECT_EQ(t, 2.5);
-  EXPECT_DOUBLE_EQ(y, 2.5);
-
-  // Flags 3 and 4 on entry also continue in one-step mode on block 0: a block 0 holding
-  // a rate of 2 is used for the first-step choice, not re-evaluated.
-  for (int entry : {3, 4}) {
-    double yy = 0.0, tt = 0.0;
-    work[0] = 2.0;
-    int f = entry;
-    RK::RKF78(constant_rate, &yy, nullptr, tt, 10.0, 1, 1e-12, &absTol, f, work, 100000, nullptr);
-    EXPECT_EQ(f, -2) << entry;
-    EXPECT_EQ(tt, std::pow(0.5, 0.125)) << entry;
-  }
-}
-
-TEST(RKF78Flags, IntervalUnderTwoStepsIsTakenInTwoHalves) {
+// Calls that continue: a restart chooses its first step afresh; flags 3 and 4 on entry
+// continue in one-step mode on the stored derivative (a rate of 2 in block 0 gives a
+// first step of 0.5^(1/8)); the half-interval rule lands on the second call.
+TEST(RKF78Flags, RestartsWithoutAFreshEvaluation) {
   double y = 0.0, t = 0.0, work[14];
   const double absTol = 1.0;
   int flag = -1;
-  RK::RKF78(constant_rate, &y, nullptr, t, 1.5, 1, 1e-12, &absTol, flag, work, 100000, nullptr);
+  const auto call = [&](double tout) {
+    RK::RKF78(constant_rate, &y, nullptr, t, tout, 1, 1e-12, &absTol, flag, work, 100000, nullptr);
+  };
+  call(10.0);
+  flag = 2;  // reset to 0: one step on the stored derivative
+  call(10.0);
   EXPECT_EQ(flag, -2);
-  EXPECT_EQ(t, 0.75);
-  RK::RKF78(constant_rate, &y, nullptr, t, 1.5, 1, 1e-12, &absTol, flag, work, 100000, nullptr);
+  EXPECT_EQ(t, 2.0);
+  flag = -2;
+  call(2.5);
+  EXPECT_EQ(flag, 2);
+  EXPECT_EQ(t, 2.5);
+  EXPECT_DOUBLE_EQ(y, 2.5);
+  t = y = 0.0;
+  flag = -1;
+  call(1.5);
+  call(1.5);
   EXPECT_EQ(flag, 2);
   EXPECT_EQ(t, 1.5);
-}
-
-TEST(RKF78Flags, BudgetIsTestedAtEachNewStep) {
-  const Outcome78 none = run(constant_rate, 0.0, 10.0, 1, 1e-12, 1.0, 0);
-  EXPECT_EQ(none.flag, 4);
-  EXPECT_EQ(none.t, 0.0);
-  // One evaluation at the start and 8 + 1 for the first step make 10.
-  const Outcome78 one = run(constant_rate, 0.0, 10.0, 1, 1e-12, 1.0, 9);
-  EXPECT_EQ(one.flag, 4);
-  EXPECT_EQ(one.t, 1.0);
-  const Outcome78 two = run(constant_rate, 0.0, 10.0, 1, 1e-12, 1.0, 10);
-  EXPECT_EQ(two.flag, 4);
-  EXPECT_EQ(two.t, 5.5);
-}
-
-TEST(RKF78Flags, NonPositiveErrorScaleGivesFive) {
-  const Outcome78 r = run(still, 0.0, 1.0, 1, 1e-12, 0.0);
-  EXPECT_EQ(r.flag, 5);
-  EXPECT_EQ(r.returned, 0);
-  EXPECT_EQ(r.t, 0.0);
-}
-
-TEST(RKF78Flags, UnattainableAccuracyGivesSix) {
-  g_calls = 0;
-  const Outcome78 r = run(jittery, 1000.0, 1001.0, 1, 1e-12, 1e-12, 100000, 1, 1.0);
-  EXPECT_EQ(r.flag, 6);
-  EXPECT_EQ(r.t, 1000.0);
-  EXPECT_EQ(r.y, 1.0);
+  for (int entry : {3, 4}) {
+    t = y = 0.0;
+    work[0] = 2.0;
+    flag = entry;
+    call(10.0);
+    EXPECT_EQ(flag, -2) << entry;
+    EXPECT_EQ(t, std::pow(0.5, 0.125)) << entry;
+  }
 }
 
 }  // namespace
