@@ -1,6 +1,7 @@
 #include "readers/ship_assembly.h"
 
 #include <cmath>
+#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -11,14 +12,18 @@
 namespace kavren {
 namespace {
 
+// Numbers of pending arc lines kept before they are left in the text (65,536 lines).
+constexpr std::size_t kMaxPendingNumbers = 4u << 16;
+
 std::string_view token(const std::vector<std::string_view>& tokens, std::size_t k) {
   return k < tokens.size() ? tokens[k] : std::string_view();
 }
 
 }  // namespace
 
-ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship, Findings& findings)
-    : ordinal_(ordinal), ship_(ship), findings_(findings) {
+ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship, Findings& findings,
+                             std::string_view text)
+    : ordinal_(ordinal), ship_(ship), findings_(findings), text_end_(text.data() + text.size()) {
   ship_.ship_id = ordinal;
 }
 
@@ -43,12 +48,44 @@ bool ShipAssembler::add_line(int index, std::string_view text) {
     return add_event_pair();
   }
   // A burning-arc line: epoch and thrust vector.
-  if (arc_first_line_ < 0) arc_first_line_ = index;
+  if (arc_first_line_ < 0) {
+    arc_first_line_ = index;
+    arc_begin_ = text.data();
+  }
   arc_last_line_ = index;
-  arc_values_.push_back(parse_double(token(tokens_, 2)));
-  arc_lines_.push_back({parse_double(token(tokens_, 3)), parse_double(token(tokens_, 4)),
-                        parse_double(token(tokens_, 5))});
+  ++arc_count_;
+  if (arc_deferred_) return true;
+  if (arc_pending_.size() >= kMaxPendingNumbers) {
+    arc_deferred_ = true;
+    std::vector<double>().swap(arc_pending_);
+    return true;
+  }
+  for (std::size_t k = 2; k < 6; ++k) arc_pending_.push_back(parse_double(token(tokens_, k)));
   return true;
+}
+
+void ShipAssembler::take_arc_lines(BurningArc& arc) {
+  arc.values.reserve(arc_count_);
+  arc.lines.reserve(arc_count_);
+  if (!arc_deferred_) {
+    for (std::size_t k = 0; k + 3 < arc_pending_.size(); k += 4) {
+      arc.values.push_back(arc_pending_[k]);
+      arc.lines.push_back({arc_pending_[k + 1], arc_pending_[k + 2], arc_pending_[k + 3]});
+    }
+    return;
+  }
+  // The lines again, from where the first one's text starts, up to the end of the text.
+  const char* p = arc_begin_;
+  const char* const end = text_end_;
+  for (std::size_t n = 0; n < arc_count_ && p <= end; ++n) {
+    const char* newline = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
+    const char* stop = newline != nullptr ? newline : end;
+    tokenize_line(trimmed_line(std::string_view(p, static_cast<std::size_t>(stop - p))), tokens_);
+    arc.values.push_back(parse_double(token(tokens_, 2)));
+    arc.lines.push_back({parse_double(token(tokens_, 3)), parse_double(token(tokens_, 4)),
+                         parse_double(token(tokens_, 5))});
+    p = stop + 1;
+  }
 }
 
 void ShipAssembler::finish() { ship_.set_final_mass(previous_.mass); }
@@ -139,18 +176,18 @@ bool ShipAssembler::close_arc() {
   arc.end_epoch = first_.epoch;
   arc.start_state = previous_;
   arc.end_state = first_;
-  if (!arc_values_.empty()) {
+  if (arc_count_ > 0) {
     arc.first_line = arc_first_line_;
     arc.last_line = arc_last_line_;
-    arc.lines.assign(std::make_move_iterator(arc_lines_.begin()),
-                     std::make_move_iterator(arc_lines_.end()));
-    arc.values = arc_values_;
+    take_arc_lines(arc);
   }
   ship_.burning_arcs.push_back(std::move(arc));
   arc_first_line_ = -1;
   arc_last_line_ = -1;
-  arc_lines_.clear();
-  arc_values_.clear();
+  arc_count_ = 0;
+  arc_begin_ = nullptr;
+  arc_deferred_ = false;
+  arc_pending_.clear();
   return true;
 }
 

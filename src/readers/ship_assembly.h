@@ -13,7 +13,8 @@ namespace kavren {
 class ShipAssembler {
  public:
   // Ship number `ordinal` (1-based), written into `ship`; violations go to `findings`.
-  ShipAssembler(int ordinal, ShipClass& ship, Findings& findings);
+  // `text` is the whole solution, which the lines given to add_line are views into.
+  ShipAssembler(int ordinal, ShipClass& ship, Findings& findings, std::string_view text);
 
   // One line of the ship, its trimmed text and 0-based file index. The first two are
   // the launch pair; then event pairs with burning-arc lines between them. False when
@@ -28,10 +29,12 @@ class ShipAssembler {
   bool record_event(int event_id);
   bool record_earth_drop(double mass_change);
   bool close_arc();
+  void take_arc_lines(BurningArc& arc);
 
   int ordinal_;
   ShipClass& ship_;
   Findings& findings_;
+  const char* text_end_;
   int lines_seen_ = 0;
   std::vector<std::string_view> tokens_;
 
@@ -42,12 +45,16 @@ class ShipAssembler {
   StateStruct first_;
   StateStruct second_;
 
-  // Arc lines since the previous event pair, moved into an exactly sized arc when the
-  // next pair closes it.
+  // Arc lines since the previous event pair, put into an exactly sized arc when the next
+  // pair closes it: their epoch and thrust, four numbers a line, up to a bound; past it
+  // only where they start, and they are read again from the text when the arc closes
+  // (lines after a ship's last event, which close no arc, then cost no memory).
   int arc_first_line_ = -1;
   int arc_last_line_ = -1;
-  std::vector<std::vector<double>> arc_lines_;
-  std::vector<double> arc_values_;
+  std::size_t arc_count_ = 0;
+  const char* arc_begin_ = nullptr;
+  bool arc_deferred_ = false;
+  std::vector<double> arc_pending_;
   std::vector<DmStructShip> group_;  // collections since the last Earth drop
 };
 

@@ -215,7 +215,7 @@ bool assemble_ships(std::string_view text, const std::vector<int>& starts, int l
   for (std::size_t k = 0; k < starts.size(); ++k) {
     const int end = k + 1 < starts.size() ? starts[k + 1] : line_count;
     ShipClass ship;
-    ShipAssembler assembler(static_cast<int>(k) + 1, ship, findings);
+    ShipAssembler assembler(static_cast<int>(k) + 1, ship, findings, text);
     for (; index < end && source.next(raw); ++index) {
       if (!assembler.add_line(index, trimmed_line(raw))) return false;
     }
