@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <new>
 #include <sstream>
 #include <thread>
@@ -93,6 +94,20 @@ struct Run {
   }
 };
 
+// Lines as the reader counts them: a last line without a line break is one.
+std::size_t count_lines(std::string_view text) {
+  std::size_t lines = 0;
+  const char* p = text.data();
+  const char* const end = p + text.size();
+  while (p < end) {
+    const void* newline = std::memchr(p, '\n', static_cast<std::size_t>(end - p));
+    ++lines;
+    if (newline == nullptr) break;
+    p = static_cast<const char*>(newline) + 1;
+  }
+  return lines;
+}
+
 void limit_reached(Report& report, std::string reason) {
   report.outcome = Outcome::limit_reached;
   report.error = std::move(reason);
@@ -141,8 +156,7 @@ Report verify(const Catalogue& catalogue, std::string_view solution_text, const 
     report.trajectories = std::move(run.arcs.trajectories);
     report.statistics.derivative_evaluations = run.arcs.evaluations;
     report.statistics.arcs = run.arcs.arcs;
-    report.statistics.lines = static_cast<std::size_t>(
-        std::count(solution_text.begin(), solution_text.end(), '\n'));
+    report.statistics.lines = count_lines(solution_text);
   } catch (const std::bad_alloc&) {
     report = Report();
     report.outcome = Outcome::out_of_memory;
