@@ -189,7 +189,7 @@ TEST(PlainForm, DerivativesAgreeBitForBit) {
   int compared = 0;
   for (Shape shape : {Shape::kIncreasing, Shape::kEqualNeighbours, Shape::kShuffled,
                       Shape::kDecreasing, Shape::kTiny, Shape::kHuge}) {
-    for (int n : {1, 2, 3, 4, 5, 6, 7, 9, 16, 33, 365}) {
+    for (int n : {1, 2, 3, 5, 365}) {
       const auto times = table_times(shape, n, rng);
       std::vector<std::vector<double>> u;
       for (int k = 0; k < n; ++k) u.push_back({thrust(rng), thrust(rng), thrust(rng)});

@@ -2,6 +2,7 @@
 // plain stream extraction would put there, whatever the file looks like.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -53,7 +54,8 @@ void expect_same_as_stream(const std::string& text) {
 }
 
 // Well-formed and damaged files: no header, extra and missing columns, a short file, no
-// line break at all, surplus records, white space of every kind, malformed numbers.
+// line break at all, all records on one line, surplus records, white space of every kind,
+// malformed numbers.
 TEST(CatalogueReader, EveryCellIsWhatStreamExtractionReads) {
   std::map<int, kavren::test::CatalogueRow> planted;
   planted[1] = {64328.0, 1.25, 0.05, 3.5, 100.0, 200.0, 300.0};
@@ -65,6 +67,8 @@ TEST(CatalogueReader, EveryCellIsWhatStreamExtractionReads) {
                                        "header\n1 64328 2.5 0.1 5 10 20 30\n2 64328 2.6\n",
                                        "1 64328 2.5 0.1 5 10 20 30",
                                        text + "60001 64328 9 0.9 9 9 9 9\n"};
+  variants.push_back(text);
+  std::replace(variants.back().begin() + second_line, variants.back().end(), '\n', ' ');
   variants.push_back(text);
   variants.back().insert(end_of_record, " 99.5");
   variants.push_back(text);

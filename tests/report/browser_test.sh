@@ -3,8 +3,8 @@
 # plots and the findings are in the page, its script ran without an error. Screenshots are
 # kept in the artefact folder.
 #   browser_test.sh KAVREN_REPORT KAVREN_SYNTH TEST_REPORT ARTEFACT_FOLDER
-# The hand-filled fixture page is always checked; the demo's page and a page of a demo with
-# several faults need the in-memory verification (status 77, skipped, without it).
+# The page test_report writes, the demo's page and a page of a demo with several faults;
+# without the in-memory verification the last two are skipped (status 77).
 set -euo pipefail
 report_bin=$1 synth_bin=$2 test_bin=$3 out=$4
 mkdir -p "$out"
