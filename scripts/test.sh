@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds and runs every test, in the release build and in the sanitizer build, then runs
-# each fuzz target for a bounded time under AddressSanitizer and UndefinedBehaviorSanitizer
+# Builds and runs every test, in the release build and in the sanitizer build, runs the
+# tests that verify from many threads at once under ThreadSanitizer, then runs each fuzz
+# target for a bounded time under AddressSanitizer and UndefinedBehaviorSanitizer
 # (KAVREN_FUZZ_SECONDS per target, default 60; 0 skips the fuzzing).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -11,6 +12,9 @@ for preset in release sanitize; do
   cmake --build --preset "$preset" -j "$jobs"
   ctest --preset "$preset" -j "$jobs"
 done
+cmake --preset tsan >/dev/null
+cmake --build --preset tsan -j "$jobs"
+ctest --preset tsan -j "$jobs"
 fuzz_seconds=${KAVREN_FUZZ_SECONDS:-60}
 if [ "$fuzz_seconds" -gt 0 ]; then
   # A crash, a sanitizer report or a timeout in any target fails the run.

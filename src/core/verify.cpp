@@ -56,25 +56,25 @@ struct Run {
   std::vector<StoreDmStruct> store;
   double total_resource_mass = 0.0;
   ArcStageResult arcs;
-  std::chrono::steady_clock::time_point deadline;
+  DeadlineClock::time_point deadline;
 
   Run(const Catalogue& c, const Options& o)
       : catalogue(c), options(o), findings(o.mode == Mode::first) {}
 
-  // Between stages: a verification past its deadline ends there.
-  void check_deadline() const {
-    if (options.deadline.count() > 0 && std::chrono::steady_clock::now() > deadline) {
-      throw DeadlineReached{};
-    }
+  // Null without a deadline.
+  const DeadlineClock::time_point* limit() const {
+    return options.deadline.count() > 0 ? &deadline : nullptr;
   }
+  // Between stages and ships: a verification past its deadline ends there.
+  void check_deadline() const { honour_deadline(limit()); }
 
   bool all_stages(std::string_view text) {
-    if (!read_solution(text, ships, num_ships, findings)) return false;
+    if (!read_solution(text, ships, num_ships, findings, limit())) return false;
     if (findings.stopped()) return false;
-    check_deadline();
     // The ship checks run over the reported count, never past the ships actually held.
     const int checked = std::min(num_ships, static_cast<int>(ships.size()));
     for (int index = 0; index < checked; ++index) {
+      check_deadline();
       EventContext context{findings, catalogue.table().rows(), ships[index].ship_id};
       if (!check_ship(ships[index], context)) return false;
     }
@@ -87,7 +87,7 @@ struct Run {
     arc_options.workers = options.workers > 0 ? options.workers : default_workers();
     arc_options.trajectories = options.trajectories;
     arc_options.inspect_steps = options.mode == Mode::all;
-    arc_options.deadline = options.deadline.count() > 0 ? &deadline : nullptr;
+    arc_options.deadline = limit();
     arc_options.progress = options.progress;
     if (!check_arcs(ships, findings, arc_options, arcs)) return false;
     return check_ship_count(num_ships, store, total_resource_mass, findings);
@@ -125,7 +125,7 @@ Report verify(const Catalogue& catalogue, std::string_view solution_text, const 
   }
   try {
     Run run(catalogue, options);
-    run.deadline = std::chrono::steady_clock::now() + options.deadline;
+    run.deadline = DeadlineClock::now() + options.deadline;
     bool deadline_reached = false;
     try {
       run.all_stages(solution_text);

@@ -2,19 +2,16 @@
 // of the state reached with the state written at its end.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <vector>
 
 #include "kavren/report.h"
 #include "lowthrust/arc_data.h"
+#include "records/deadline.h"
 #include "records/findings.h"
 #include "records/records.h"
 
 namespace kavren {
-
-// Thrown when a verification's deadline has passed.
-struct DeadlineReached {};
 
 // What integrating one arc needs besides the arc, and what it yields besides findings.
 struct ArcIntegration {
@@ -24,7 +21,7 @@ struct ArcIntegration {
   // Look for steps that span several thrust-table points.
   bool inspect_steps = false;
   // Abandon the integration (DeadlineReached) once this instant has passed; null: never.
-  const std::chrono::steady_clock::time_point* deadline = nullptr;
+  const DeadlineClock::time_point* deadline = nullptr;
 
   double reached[7] = {};  // x, y, z (km), vx, vy, vz (km/s), m (kg) at the arc's end
   std::uint64_t evaluations = 0;

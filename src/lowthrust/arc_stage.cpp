@@ -31,9 +31,7 @@ struct ArcOutcome {
 
 void check_one(const ArcRef& ref, bool stop_at_first, const ArcStageOptions& options,
                ArcOutcome& outcome) {
-  if (options.deadline != nullptr && std::chrono::steady_clock::now() > *options.deadline) {
-    throw DeadlineReached{};
-  }
+  honour_deadline(options.deadline);
   outcome.findings =
       std::make_unique<Findings>(stop_at_first, Rule::thrust_magnitude, Rule::arc_mass);
   Findings& f = *outcome.findings;

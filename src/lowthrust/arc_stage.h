@@ -3,12 +3,12 @@
 // by arc, the layout before the integration).
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <vector>
 
 #include "kavren/report.h"
+#include "records/deadline.h"
 #include "records/findings.h"
 #include "records/records.h"
 
@@ -18,7 +18,7 @@ struct ArcStageOptions {
   int workers = 1;
   bool trajectories = false;    // keep the states of every accepted step, per ship
   bool inspect_steps = false;   // warn of steps that span several thrust-table points
-  const std::chrono::steady_clock::time_point* deadline = nullptr;
+  const DeadlineClock::time_point* deadline = nullptr;
   std::function<void(std::size_t done, std::size_t total)> progress;
 };
 

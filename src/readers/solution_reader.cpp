@@ -103,22 +103,27 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
   // An epoch outside the mission is a finding, not a fault of the file's structure.
   const double epoch = parse_double(tokens[2]);
   const long long line = printed_line(index);
+  const int ordinal = static_cast<int>(lists.ship_starts.size());
   return findings.check(Rule::epoch_start, !(epoch < kMissionStartMjd), epoch,
-                        kMissionStartMjd, {line}, 0,
+                        kMissionStartMjd, {line}, ordinal,
                         [&] {
                           return line_message("Error001. Event Time Error on the line", line,
                                               ": The epoch is earlier than the mission's "
                                               "initial time (64328 MJD).");
                         }) &&
          findings.check(Rule::epoch_end, !(epoch > kMissionEndMjd), epoch, kMissionEndMjd, {line},
-                        0, [&] {
+                        ordinal, [&] {
                           return line_message("Error002. Event Time Error on the line", line,
                                               ": The epoch is later than the mission's end "
                                               "time (69807 MJD).");
                         });
 }
 
-bool read_lines(std::string_view text, EventLists& lists, int& line_count, Findings& findings) {
+// The deadline is looked at once every this many lines.
+constexpr int kLinesBetweenDeadlineChecks = 4096;
+
+bool read_lines(std::string_view text, EventLists& lists, int& line_count, Findings& findings,
+                const DeadlineClock::time_point* deadline) {
   TextLines source(text);
   std::vector<std::string_view> tokens;
   tokens.reserve(16);
@@ -131,6 +136,7 @@ bool read_lines(std::string_view text, EventLists& lists, int& line_count, Findi
       return refuse_line(findings, "ErrorA09. File Format Error on the line ", index,
                          ": The number of data in this line is unreasonable.");
     }
+    if (index % kLinesBetweenDeadlineChecks == 0) honour_deadline(deadline);
     if (!read_line(raw, index, lists, tokens, findings)) return false;
     ++index;
   }
@@ -208,7 +214,8 @@ bool check_structure(const EventLists& lists, Findings& findings) {
 
 // Second reading of the text: every ship built from its run of lines.
 bool assemble_ships(std::string_view text, const std::vector<int>& starts, int line_count,
-                    std::vector<ShipClass>& ships, Findings& findings) {
+                    std::vector<ShipClass>& ships, Findings& findings,
+                    const DeadlineClock::time_point* deadline) {
   TextLines source(text);
   std::string_view raw;
   int index = 0;
@@ -217,6 +224,7 @@ bool assemble_ships(std::string_view text, const std::vector<int>& starts, int l
     ShipClass ship;
     ShipAssembler assembler(static_cast<int>(k) + 1, ship, findings, text);
     for (; index < end && source.next(raw); ++index) {
+      if (index % kLinesBetweenDeadlineChecks == 0) honour_deadline(deadline);
       if (!assembler.add_line(index, trimmed_line(raw))) return false;
     }
     assembler.finish();
@@ -228,17 +236,17 @@ bool assemble_ships(std::string_view text, const std::vector<int>& starts, int l
 }  // namespace
 
 bool read_solution(std::string_view text, std::vector<ShipClass>& ships, int& num_ships,
-                   Findings& findings) {
+                   Findings& findings, const DeadlineClock::time_point* deadline) {
   if (text.empty()) {
     return refuse(findings, "ErrorA02. File Open Error: The solution file is empty.");
   }
   EventLists lists;
   int line_count = 0;
-  if (!read_lines(text, lists, line_count, findings)) return false;
+  if (!read_lines(text, lists, line_count, findings, deadline)) return false;
   if (!check_structure(lists, findings)) return false;
   num_ships = static_cast<int>(lists.ship_starts.size());
   ships.reserve(ships.size() + lists.ship_starts.size());
-  return assemble_ships(text, lists.ship_starts, line_count, ships, findings);
+  return assemble_ships(text, lists.ship_starts, line_count, ships, findings, deadline);
 }
 
 }  // namespace kavren

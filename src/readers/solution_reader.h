@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "records/deadline.h"
 #include "records/findings.h"
 #include "records/records.h"
 
@@ -18,7 +19,8 @@ namespace kavren {
 // grouping of its lines) ends the reading: false. The epoch of a line outside the
 // mission (Error001, Error002), an event before the previous one (Error005) and a drop
 // too fast (Error806) are findings after which a collector that goes on keeps reading.
+// Past the deadline (null: none) the reading ends with DeadlineReached.
 bool read_solution(std::string_view text, std::vector<ShipClass>& ships, int& num_ships,
-                   Findings& findings);
+                   Findings& findings, const DeadlineClock::time_point* deadline = nullptr);
 
 }  // namespace kavren

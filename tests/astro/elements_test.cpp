@@ -56,6 +56,9 @@ TEST(RoundTrip, SeededRandomStates) {
   }
   EXPECT_GT(elliptic, 5000);
   EXPECT_GT(hyperbolic, 2000);
+  // Motion in the x-z plane: the node line lies exactly along x.
+  const double polar[6] = {0.72 * kAU, 0.0, 0.96 * kAU, -24.0, 0.0, 18.0};
+  expect_round_trips(polar, true);
 }
 
 // Circles, ellipses, parabolas and hyperbolas, equatorial, polar, retrograde and at any
@@ -75,6 +78,15 @@ TEST(RoundTrip, SeededRandomElementsOfEveryShape) {
     coe2rv(flag, rv, coe, kMuSun);
     ASSERT_EQ(flag, 1);
     expect_round_trips(rv, i < 170.0 * kDeg);
+    // coe -> ee -> coe: a circle's equinoctial set has f = g = 0 exactly.
+    double ee[6], coe_ee[6], rv_ee[6];
+    coe2ee(flag, ee, coe, kMuSun);
+    if (flag == 1) {
+      ee2coe(flag, coe_ee, ee, kMuSun);
+      ASSERT_EQ(flag, 1) << show(coe);
+      coe2rv(flag, rv_ee, coe_ee, kMuSun);
+      EXPECT_LE(rv_err(rv, rv_ee), 1e-9) << show(coe);
+    }
     // The non-singular set describes the same orbit.
     if (e < 1.0) {
       double soe[6], back[6], rv_back[6];

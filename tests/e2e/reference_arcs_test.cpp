@@ -15,10 +15,6 @@
 namespace kavren::test {
 namespace {
 
-double token(const std::string& line, int k) {
-  return std::stod(tokens_of(line).at(static_cast<std::size_t>(k)));
-}
-
 // An arc: the event line it leaves from, its burning-arc lines, and the event line that
 // ends it (0-based file lines).
 struct Arc {

@@ -1,67 +1,57 @@
-// Whole runs of kavren-check on synthesised scenarios that are valid by construction:
-// the exact summary, the exact score file and status 0.
+// Whole runs of kavren-check on synthesised scenarios that are valid by construction: the
+// exact summary, the exact score file and status 0; kavren-report states the same verdict
+// (its JSON's checker_output, exit_status and score_file equal kavren-check's bytes,
+// status and score file on the same files; the error cases call this too).
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
-#include <fstream>
-#include <iterator>
 #include <string>
+#include <vector>
 
 #include "support/e2e.h"
+#include "support/error_case.h"
 
-namespace {
+namespace kavren::test {
 
-using kavren::test::checker_binary;
-using kavren::test::run_in;
-using kavren::test::TempDir;
-
-std::string synth_binary() { return KAVREN_SYNTH_BIN; }
-
-void synthesise(const TempDir& dir, const std::vector<std::string>& args) {
-  std::vector<std::string> full = args;
-  full.insert(full.begin() + 1, dir.path() + "/case");
-  auto made = run_in(dir.path(), synth_binary(), full);
-  ASSERT_EQ(made.status, 0) << made.err;
-}
-
-void expect_accepted(const std::string& folder) {
-  auto run = run_in(folder, checker_binary());
-  std::ifstream stdout_file(folder + "/expected_stdout.txt", std::ios::binary);
-  std::ifstream score_file(folder + "/expected_ScoreData.txt", std::ios::binary);
-  std::string expected_stdout((std::istreambuf_iterator<char>(stdout_file)), {});
-  std::string expected_score((std::istreambuf_iterator<char>(score_file)), {});
-  EXPECT_EQ(run.out, expected_stdout) << folder;
-  EXPECT_EQ(run.status, 0);
-  ASSERT_TRUE(run.score.has_value());
-  EXPECT_EQ(*run.score, expected_score);
-}
-
-TEST(ValidScenarios, DemoIsAcceptedWithManyShipsAndMinedAsteroids) {
-  TempDir dir;
-  synthesise(dir, {"demo"});
-  expect_accepted(dir.path() + "/case");
-  auto again = run_in(dir.path() + "/case", checker_binary());
-  EXPECT_NE(again.out.find("Check successfully!\n"), std::string::npos);
-}
-
-TEST(ValidScenarios, EverySuiteCaseIsAccepted) {
-  TempDir dir;
-  synthesise(dir, {"suite"});
-  for (int k = 0; k < 5; ++k) expect_accepted(dir.path() + "/case/case" + std::to_string(k));
-}
-
-TEST(ValidScenarios, SmallBenchCaseIsAccepted) {
-  TempDir dir;
-  synthesise(dir, {"bench", "--ships", "4"});
-  expect_accepted(dir.path() + "/case");
-}
-
-TEST(ValidScenarios, SameSeedSameBytes) {
-  TempDir a, b;
-  synthesise(a, {"demo", "--seed", "5"});
-  synthesise(b, {"demo", "--seed", "5"});
-  for (const char* name : {"KAVREN_Asteroids_Data.txt", "Result.txt", "expected_ScoreData.txt"}) {
-    EXPECT_EQ(a.read(std::string("case/") + name), b.read(std::string("case/") + name)) << name;
+void expect_report_agrees(const std::string& folder, const RunResult& check) {
+  const RunResult report = run_in(folder, KAVREN_REPORT_BIN, {"--json", "-", "--mode", "first"});
+  ASSERT_EQ(report.status, check.out.rfind("Check successfully!", 0) == 0 ? 0 : 1) << report.err;
+  const nlohmann::json json = nlohmann::json::parse(report.out);
+  EXPECT_EQ(json.at("checker_output").get<std::string>(), check.out);
+  EXPECT_EQ(json.at("exit_status").get<int>(), check.status);
+  if (check.score) {
+    EXPECT_EQ(json.at("score_file"), *check.score);
+  } else {
+    EXPECT_TRUE(json.at("score_file").is_null());
   }
 }
 
+namespace {
+
+void synthesise(const TempDir& dir, std::vector<std::string> args) {
+  args.insert(args.begin() + 1, dir.path() + "/case");
+  const RunResult made = run_in(dir.path(), KAVREN_SYNTH_BIN, args);
+  ASSERT_EQ(made.status, 0) << made.err;
+}
+
+void expect_accepted(const TempDir& dir, const std::string& folder) {
+  const RunResult run = run_in(dir.path() + folder, checker_binary());
+  EXPECT_EQ(run.out, dir.read(folder + "/expected_stdout.txt")) << folder;
+  EXPECT_EQ(run.status, 0);
+  ASSERT_TRUE(run.score.has_value());
+  EXPECT_EQ(run.score, dir.read(folder + "/expected_ScoreData.txt"));
+  expect_report_agrees(dir.path() + folder, run);
+}
+
+TEST(ValidScenarios, DemoSuiteAndSmallBenchAreAccepted) {
+  TempDir demo, suite, bench;
+  synthesise(demo, {"demo"});
+  synthesise(suite, {"suite"});
+  synthesise(bench, {"bench", "--ships", "4"});
+  expect_accepted(demo, "/case");
+  for (int k = 0; k < 5; ++k) expect_accepted(suite, "/case/case" + std::to_string(k));
+  expect_accepted(bench, "/case");
+}
+
 }  // namespace
+}  // namespace kavren::test

@@ -92,19 +92,6 @@ bool same_bits(const double* a, const double* b, int n) {
   return std::memcmp(a, b, sizeof(double) * n) == 0;
 }
 
-// --- Interpolation -------------------------------------------------------------------------
-
-TEST(ThrustInterpolation, CubicDataIsReproducedInsideLongTables) {
-  std::vector<double> x, y;
-  for (int k = 0; k < 12; ++k) {
-    x.push_back(0.5 * k);
-    y.push_back(0.1 * x.back() * x.back() * x.back() - x.back() + 0.3);
-  }
-  for (double t : {0.1, 1.3, 2.77, 5.4, 5.6, -0.3}) {
-    EXPECT_NEAR(LagInterp(x, y, 3, t), 0.1 * t * t * t - t + 0.3, 1e-12) << t;
-  }
-}
-
 // --- The 0.3 AU guard ---------------------------------------------------------------------
 
 const char* const kTail = ": The distance to the Sun of the mining ship is less than 0.3 AU.\n";
@@ -116,22 +103,32 @@ TEST(SunDistanceGuard, ThrustInsideLimitNamesTheTableInterval) {
   const auto b = block(100, {0.0, 1.0, 2.0, 3.0, 4.0, 5.0},
                        std::vector<std::vector<double>>(6, {0.1, 0.0, 0.0}));
   const double inside[7] = {0.1, 0.1, 0.0, 1.0, 0.0, 0.0, 500.0};
+  // An unordered table is scanned up to its last interval: 0.5 lies in none of them,
+  // though the last time (1.5) and the first thrust component (0.1) enclose it.
+  const auto unordered = block(100, {1.0, 2.0, 3.0, 4.0, 5.0, 1.5},
+                               std::vector<std::vector<double>>(6, {0.1, 0.0, 0.0}));
   const struct {
+    const std::vector<double>& block;
     double reference, t;
     const char* lines;
-  } cases[] = {{100, 2.5, "line 103 and line 108"},
-               {100, 2.0, "line 102 and line 107"},  // the interval ending at 2
-               {100, 7.0, "line 101 and line 106"},  // past the table
-               {3e9, 2.5, "line 2147483650 and line 2147483655"}};
+  } cases[] = {{b, 100, 2.5, "line 103 and line 108"},
+               {b, 100, 2.0, "line 102 and line 107"},  // the interval ending at 2
+               {b, 100, 7.0, "line 101 and line 106"},  // past the table
+               {b, 3e9, 2.5, "line 2147483650 and line 2147483655"},
+               {unordered, 100, 0.5, "line 101 and line 106"}};
   for (const auto& c : cases) {
-    auto table = b;
+    auto table = c.block;
     table[0] = c.reference;
     double dy[7];
     const auto o = capture([&] { LowThrustDy(c.t, inside, dy, table.data()); });
     EXPECT_EQ(o.status, 1);
-    EXPECT_EQ(o.out, std::string("Error101. Position Error between ") + c.lines +
-                         ": The distance to the Sun of the mining ship is less than 0.3 AU.\n");
+    EXPECT_EQ(o.out, std::string("Error101. Position Error between ") + c.lines + kTail);
   }
+  // A coast names the line of its start and the next.
+  const double coast[2] = {100.0, 7.0};
+  double dy[7];
+  EXPECT_EQ(capture([&] { TwoBodyDy(0.0, inside, dy, coast); }).out,
+            std::string("Error101. Position Error between line 101 and line 102") + kTail);
 }
 
 // --- Against the plain form -------------------------------------------------------------

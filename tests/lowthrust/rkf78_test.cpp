@@ -59,13 +59,21 @@ TEST(Fehlberg78Tableau, CouplingConditionsHold) {
 }
 
 // The edges of the step-size helpers: a NaN error ratio is dropped, the magnitude of
-// INT_MIN stays defined, and an empty array has the neutral extreme.
+// INT_MIN stays defined, an empty array has the neutral extreme and nothing past the
+// count is read.
 TEST(RKUtilities, EdgesStayDefined) {
   EXPECT_TRUE(std::isnan(RK::Max(NAN, 2.0)));
   EXPECT_EQ(RK::Max(0.0, NAN), 0.0);
   EXPECT_EQ(RK::CopySign(-2147483647 - 1, 1), 2147483647);
+  EXPECT_EQ(RK::CopySign(-3.0, 0.0), 3.0);  // a zero sign counts as positive
+  EXPECT_TRUE(std::signbit(RK::CopySign(0.0, -1.0)));
   EXPECT_EQ(RK::ArrayMin(nullptr, 0), INFINITY);
   EXPECT_EQ(RK::ArrayMax(nullptr, 0), -INFINITY);
+  // Only the first n elements count.
+  const double a[3] = {1.0, -2.0, 9.0};
+  EXPECT_EQ(RK::ArrayMax(a, 2), 1.0);
+  EXPECT_EQ(RK::ArrayMin(a + 1, 1), -2.0);
+  EXPECT_EQ(RK::ArrayMin(a, 1), 1.0);
 }
 
 // --- Against exact two-body motion -------------------------------------------------------

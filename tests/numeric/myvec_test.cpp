@@ -89,6 +89,9 @@ TEST(MyVec, EveryOperationAgreesWithPlainArrays) {
     MyVec back(static_cast<int>(n));
     io >> back;
     EXPECT_EQ(elements(back), a);
+    io << " 7";  // reading a vector takes exactly its size in numbers
+    double next = 0.0;
+    EXPECT_TRUE(io >> next && next == 7.0);
     if (HasFailure()) return;
   }
 }

@@ -153,6 +153,11 @@ void scalar_residual(int& flag, double* res, const double* x, const double* para
   res[0] = x[0] + 0.25 * std::sin(x[0]) - para[0];
   flag = 1;
 }
+// The same, component by component, in the largest dimension the solver takes.
+void residual16(int& flag, double* res, const double* x, const double* para) {
+  for (int k = 0; k < 16; ++k) res[k] = x[k] + 0.25 * std::sin(x[k]) - para[k];
+  flag = 1;
+}
 void failing_residual(int& flag, double*, const double*, const double*) {
   flag = 0;
 }
@@ -164,6 +169,14 @@ TEST(FixedPointSolve, FindsTheRootAndReportsFailures) {
   FixedPointSolve(flag, x, scalar_residual, target, 1, tol, 200);
   ASSERT_EQ(flag, 1);
   EXPECT_NEAR(x[0] + 0.25 * std::sin(x[0]), 2.0, 4e-16);
+  double targets[16], tols[16], xs[16] = {};
+  for (int k = 0; k < 16; ++k) {
+    targets[k] = 0.1 * k;
+    tols[k] = 1e-15;
+  }
+  FixedPointSolve(flag, xs, residual16, targets, 16, tols, 200);
+  ASSERT_EQ(flag, 1);
+  EXPECT_NEAR(xs[15] + 0.25 * std::sin(xs[15]), 1.5, 4e-16);
   double y[1] = {5.0};
   FixedPointSolve(flag, y, failing_residual, target, 1, tol, 200);
   EXPECT_EQ(flag, 0);

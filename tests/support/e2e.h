@@ -8,6 +8,17 @@
 #include <string>
 #include <vector>
 
+// Defined in builds with AddressSanitizer or ThreadSanitizer, whose runtime reserves
+// terabytes of address space, keeps freed memory in quarantine and needs descriptors of
+// its own.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define KAVREN_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define KAVREN_SANITIZED 1
+#endif
+#endif
+
 namespace kavren::test {
 
 struct RunResult {

@@ -2,9 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
-#include <memory>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 
@@ -20,27 +18,47 @@ std::string Scenario::result_text() const {
 
 namespace {
 
-std::string read_all(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw std::runtime_error("cannot read " + path);
-  return std::string((std::istreambuf_iterator<char>(in)), {});
+// The files kavren-synth writes for `what` ("demo", "suite") into a fresh folder,
+// read from its subfolder `sub`.
+struct Synthesised {
+  Scenario scenario;
+  std::optional<std::string> expected_out, expected_score;
+};
+
+Synthesised synthesise(const std::string& what, const std::string& sub) {
+  TempDir dir;
+  const RunResult made = run_in(dir.path(), KAVREN_SYNTH_BIN, {what, dir.path() + "/" + what});
+  if (made.status != 0) throw std::runtime_error("kavren-synth " + what + " failed: " + made.err);
+  const std::string folder = what + "/" + sub;
+  Synthesised synth;
+  synth.scenario.catalogue = dir.read(folder + "KAVREN_Asteroids_Data.txt").value();
+  std::istringstream result(dir.read(folder + "Result.txt").value());
+  std::string line;
+  while (std::getline(result, line)) synth.scenario.lines.push_back(line);
+  synth.expected_out = dir.read(folder + "expected_stdout.txt");
+  synth.expected_score = dir.read(folder + "expected_ScoreData.txt");
+  return synth;
+}
+
+const Synthesised& demo() {
+  static const Synthesised demo = synthesise("demo", "");
+  return demo;
 }
 
 }  // namespace
 
 const Scenario& demo_scenario() {
-  static const std::unique_ptr<Scenario> demo = [] {
-    TempDir dir;
-    const RunResult made = run_in(dir.path(), KAVREN_SYNTH_BIN, {"demo", dir.path() + "/demo"});
-    if (made.status != 0) throw std::runtime_error("kavren-synth demo failed: " + made.err);
-    auto scenario = std::make_unique<Scenario>();
-    scenario->catalogue = read_all(dir.path() + "/demo/KAVREN_Asteroids_Data.txt");
-    std::istringstream result(read_all(dir.path() + "/demo/Result.txt"));
-    std::string line;
-    while (std::getline(result, line)) scenario->lines.push_back(line);
-    return scenario;
-  }();
-  return *demo;
+  return demo().scenario;
+}
+
+const Expectation& demo_outcome() {
+  static const Expectation outcome{demo().expected_out.value(), 0, demo().expected_score.value()};
+  return outcome;
+}
+
+const Scenario& flyby_scenario() {
+  static const Synthesised tour = synthesise("suite", "case4/");
+  return tour.scenario;
 }
 
 std::vector<std::string> tokens_of(const std::string& line) {
@@ -58,6 +76,10 @@ std::vector<std::string> tokens_of(const std::string& line) {
   return tokens;
 }
 
+double token(const std::string& line, int k) {
+  return std::stod(tokens_of(line).at(static_cast<std::size_t>(k)));
+}
+
 std::string with_token(const std::string& line, int k, const std::string& value) {
   std::vector<std::string> tokens = tokens_of(line);
   tokens.at(static_cast<std::size_t>(k)) = value;
@@ -72,6 +94,15 @@ std::string number(double x) {
   return text;
 }
 
+void set_token(Scenario& s, int i, int k, const std::string& value) {
+  std::string& line = s.lines.at(static_cast<std::size_t>(i));
+  line = with_token(line, k, value);
+}
+
+void shift(Scenario& s, int i, int k, double delta) {
+  set_token(s, i, k, number(token(s.lines.at(static_cast<std::size_t>(i)), k) + delta));
+}
+
 int find_line(const std::vector<std::string>& lines, int id, int count, int from) {
   for (std::size_t i = static_cast<std::size_t>(from); i < lines.size(); ++i) {
     const std::vector<std::string> tokens = tokens_of(lines[i]);
@@ -82,15 +113,29 @@ int find_line(const std::vector<std::string>& lines, int id, int count, int from
   throw std::runtime_error("no line with event ID " + std::to_string(id));
 }
 
+int pair_line(const Scenario& s, int id, int nth) {
+  if (nth < 0) {
+    for (int i = static_cast<int>(s.lines.size()) - 1; i > 0; --i) {
+      const std::vector<std::string> tokens = tokens_of(s.lines[static_cast<std::size_t>(i)]);
+      if (tokens.size() == 10 && std::stoi(tokens[1]) == id) return i - 1;
+    }
+    throw std::runtime_error("no line with event ID " + std::to_string(id));
+  }
+  int i = find_line(s.lines, id);
+  for (int k = 0; k < nth; ++k) i = find_line(s.lines, id, 10, i + 2);
+  return i;
+}
+
 void move_along_track(Scenario& s, int id, int n, double km) {
   double r[3], v[3];
   for (int j = 0; j < 3; ++j) {
-    r[j] = std::stod(tokens_of(s.lines.at(n))[3 + j]);
-    v[j] = std::stod(tokens_of(s.lines.at(n))[6 + j]);
+    r[j] = token(s.lines.at(n), 3 + j);
+    v[j] = token(s.lines.at(n), 6 + j);
   }
   const double dt = km / std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);  // seconds
   for (int l = n; l <= n + 1; ++l) {
-    for (int j = 0; j < 3; ++j) s.lines[l] = with_token(s.lines[l], 3 + j, number(r[j] + v[j] * dt));
+    for (int j = 0; j < 3; ++j)
+      s.lines[l] = with_token(s.lines[l], 3 + j, number(r[j] + v[j] * dt));
   }
   // Catalogue row of the asteroid, after the header: ID, epoch, a [AU], e, i, node,
   // periapsis, M0 [deg].

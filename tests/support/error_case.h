@@ -8,6 +8,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kavren::test {
@@ -30,10 +31,15 @@ struct Scenario {
 };
 
 struct Expectation {
-  std::string out;                  // the whole stdout
+  std::string out;  // the whole stdout
   int status = 0;
   std::optional<std::string> score;  // nullopt: no ScoreData.txt may be left
 };
+
+// The outcome of a run that stops with `out` and leaves no score file.
+inline Expectation fails(std::string out, int status = 0) {
+  return Expectation{std::move(out), status, std::nullopt};
+}
 
 struct ErrorCase {
   std::string name;  // test name: letters, digits and underscores
@@ -44,20 +50,35 @@ struct ErrorCase {
 };
 
 // Cases print as their names in test reports.
-inline void PrintTo(const ErrorCase& c, std::ostream* os) { *os << c.name; }
+inline void PrintTo(const ErrorCase& c, std::ostream* os) {
+  *os << c.name;
+}
 
-// The demo scenario as kavren-synth writes it, synthesised once per test process.
+// The demo scenario as kavren-synth writes it, synthesised once per test process, and
+// the whole outcome kavren-synth states for it from its own construction.
 const Scenario& demo_scenario();
+const Expectation& demo_outcome();
+// The flyby scenario of the synthesiser's suite (case 4): two resonant mining ships
+// followed by a ship that flies by Venus, the Earth and Mars before one rendezvous.
+const Scenario& flyby_scenario();
 
 // Tokens of a solution line (split on tabs and blanks).
 std::vector<std::string> tokens_of(const std::string& line);
+// Token k (0-based) of a line as a number.
+double token(const std::string& line, int k);
 // The line with token k (0-based) replaced; the other tokens joined by tabs.
 std::string with_token(const std::string& line, int k, const std::string& value);
 // A number as the solution files write it (round-trip precision).
 std::string number(double x);
+// Sets token k of line i (0-based) to `value`, or adds `delta` to it.
+void set_token(Scenario& s, int i, int k, const std::string& value);
+void shift(Scenario& s, int i, int k, double delta);
 // Index of the first line (0-based) from `from` on whose event ID (token 2) is `id`
 // and whose token count is `count`; throws when there is none.
 int find_line(const std::vector<std::string>& lines, int id, int count = 10, int from = 0);
+// The first line (0-based) of the nth pair (0-based) with event ID `id`; of the last
+// such pair when nth is negative.
+int pair_line(const Scenario& s, int id, int nth = 0);
 
 // Moves asteroid `id` `km` along its track (its catalogue mean anomaly advanced by the
 // time it needs at the speed of line n, 0-based) and both lines n and n+1 of the rendezvous with it
@@ -69,9 +90,9 @@ struct RunResult;
 void expect_report_agrees(const std::string& folder, const RunResult& check);
 
 // The case lists, one per family of messages.
-std::vector<ErrorCase> input_error_cases();     // Error000, ErrorA00-A02, A03:, A09-A23,
-                                                // Error001, Error002, Error005
-std::vector<ErrorCase> event_error_cases();     // Error5xx-7xx: launch, flyby, rendezvous
-std::vector<ErrorCase> physics_error_cases();   // arcs, mining, ship count, score file
+std::vector<ErrorCase> input_error_cases();    // Error000, ErrorA00-A02, A03:, A09-A23,
+                                               // Error001, Error002, Error005
+std::vector<ErrorCase> event_error_cases();    // Error5xx-7xx: launch, flyby, rendezvous
+std::vector<ErrorCase> physics_error_cases();  // arcs, mining, ship count, score file
 
 }  // namespace kavren::test

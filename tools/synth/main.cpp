@@ -3,6 +3,7 @@
 //   kavren-synth demo <dir> [--seed N]
 //   kavren-synth suite <dir>
 //   kavren-synth bench <dir> [--ships N] [--seed N]
+//     (also Result-nan-launch.txt: the same solution with every launch's second epoch NaN)
 //   kavren-synth selfcheck   (checks of its own numerics; status 1 on a failure)
 #include <sys/stat.h>
 
@@ -18,6 +19,7 @@
 #include "synth/catalogue.h"
 #include "synth/scenarios.h"
 #include "synth/selfcheck.h"
+#include "synth/text.h"
 
 namespace {
 
@@ -33,8 +35,9 @@ void make_dir(const std::string& path) {
   }
 }
 
+// Returns the solution's text.
 template <typename Build>
-void write_scenario(const std::string& dir, std::uint64_t seed, Build build) {
+std::string write_scenario(const std::string& dir, std::uint64_t seed, Build build) {
   make_dir(dir);
   synth::Catalogue catalogue(seed);
   synth::Builder builder(catalogue);
@@ -53,6 +56,7 @@ void write_scenario(const std::string& dir, std::uint64_t seed, Build build) {
   write_file(dir + "/manifest.txt", manifest);
   std::cout << dir << ": " << scenario.name << ", " << builder.num_ships() << " ships, "
             << builder.num_lines() << " lines\n";
+  return builder.result_text();
 }
 
 long option(int argc, char** argv, const std::string& name, long fallback) {
@@ -90,8 +94,9 @@ int main(int argc, char** argv) {
       if (ships < 2 || ships > 100 || ships % 2 != 0) {
         throw std::runtime_error("--ships must be an even number from 2 to 100");
       }
-      write_scenario(dir, seed,
-                     [&](synth::Builder& b) { return synth::build_bench(b, ships, seed); });
+      const std::string result = write_scenario(
+          dir, seed, [&](synth::Builder& b) { return synth::build_bench(b, ships, seed); });
+      write_file(dir + "/Result-nan-launch.txt", synth::nan_launch_epochs(result));
     } else {
       std::cerr << "unknown command " << command << "\n";
       return 2;

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <sstream>
+#include <vector>
 
 namespace synth {
 
@@ -12,5 +14,35 @@ std::string fmt(double x) {
 }
 
 double reparse(double x) { return std::strtod(fmt(x).c_str(), nullptr); }
+
+namespace {
+
+std::vector<std::string> tokens(const std::string& line) {
+  std::istringstream in(line);
+  std::vector<std::string> out;
+  for (std::string t; in >> t;) out.push_back(t);
+  return out;
+}
+
+}  // namespace
+
+std::string nan_launch_epochs(const std::string& result) {
+  std::vector<std::vector<std::string>> lines;
+  std::istringstream in(result);
+  for (std::string line; std::getline(in, line);) lines.push_back(tokens(line));
+  // The second line of a launch pair (event 0) followed by a burning-arc line.
+  for (std::size_t k = 1; k + 1 < lines.size(); ++k) {
+    if (lines[k - 1].size() == 10 && lines[k].size() == 10 && lines[k + 1].size() == 6 &&
+        lines[k][1] == "0") {
+      lines[k][2] = "nan";
+    }
+  }
+  std::string out;
+  for (const std::vector<std::string>& line : lines) {
+    for (std::size_t i = 0; i < line.size(); ++i) out += (i ? "\t" : "") + line[i];
+    out += "\n";
+  }
+  return out;
+}
 
 }  // namespace synth

@@ -9,4 +9,9 @@ namespace synth {
 std::string fmt(double x);  // "%.17g"
 double reparse(double x);   // strtod(fmt(x))
 
+// A hostile form of a solution for deadline tests and benchmarks: every launch's second
+// epoch NaN, so that the coast opening each ship's first burning arc runs to its
+// evaluation budget (many times the work of the valid file).
+std::string nan_launch_epochs(const std::string& result);
+
 }  // namespace synth
