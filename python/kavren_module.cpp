@@ -14,7 +14,9 @@
 #include <cstddef>
 #include <cstdio>
 #include <filesystem>
+#include <new>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -113,25 +115,59 @@ std::string report_repr(const kavren::Report& r) {
   return out + ">";
 }
 
-// The solution's bytes: str is the text itself, bytes and bytearray are its bytes, a
-// path-like object names a file to read.
-std::string solution_bytes(const py::handle& solution) {
-  if (py::isinstance<py::str>(solution)) return solution.cast<std::string>();
-  if (py::isinstance<py::bytes>(solution)) return solution.cast<std::string>();
+// The solution's bytes: str is the text itself (its UTF-8 form), bytes and bytearray are
+// its bytes, a path-like object names a file to read. An immutable object is viewed in
+// place, kept alive by `owner`; a bytearray, which another thread could change while the
+// verification runs, is copied.
+struct SolutionText {
+  py::object owner;
+  std::string copy;
+  std::string_view view;
+};
+
+std::string_view bytes_view(const py::object& bytes) {
+  char* data = nullptr;
+  Py_ssize_t size = 0;
+  if (PyBytes_AsStringAndSize(bytes.ptr(), &data, &size) != 0) throw py::error_already_set();
+  return std::string_view(data, static_cast<std::size_t>(size));
+}
+
+SolutionText solution_text(const py::handle& solution) {
+  SolutionText text;
+  if (py::isinstance<py::str>(solution)) {
+    Py_ssize_t size = 0;
+    const char* data = PyUnicode_AsUTF8AndSize(solution.ptr(), &size);
+    if (data == nullptr) throw py::error_already_set();
+    text.owner = py::reinterpret_borrow<py::object>(solution);
+    text.view = std::string_view(data, static_cast<std::size_t>(size));
+    return text;
+  }
+  if (py::isinstance<py::bytes>(solution)) {
+    text.owner = py::reinterpret_borrow<py::object>(solution);
+    text.view = bytes_view(text.owner);
+    return text;
+  }
   if (py::isinstance<py::bytearray>(solution)) {
-    return std::string(py::reinterpret_borrow<py::bytearray>(solution));
+    try {
+      text.copy = std::string(py::reinterpret_borrow<py::bytearray>(solution));
+    } catch (const std::bad_alloc&) {
+      PyErr_SetString(PyExc_MemoryError, "out of memory while reading the solution");
+      throw py::error_already_set();
+    }
+    text.view = text.copy;
+    return text;
   }
   if (py::hasattr(solution, "__fspath__")) {
     py::object file = py::module_::import("io").attr("open")(solution, "rb");
-    py::object data;
     try {
-      data = file.attr("read")();
+      text.owner = file.attr("read")();
     } catch (...) {
       file.attr("close")();
       throw;
     }
     file.attr("close")();
-    return data.cast<std::string>();
+    text.view = bytes_view(text.owner);
+    return text;
   }
   throw py::type_error("solution must be the text (str or bytes) or a path (os.PathLike), not " +
                        py::str(py::type::of(solution).attr("__name__")).cast<std::string>());
@@ -177,11 +213,11 @@ kavren::Report run_verify(const py::object& solution, const kavren::Catalogue& c
     }
     options.deadline = std::chrono::milliseconds(std::max(1LL, std::llround(*deadline * 1000.0)));
   }
-  const std::string text = solution_bytes(solution);
+  const SolutionText text = solution_text(solution);
   kavren::Report report;
   {
     py::gil_scoped_release release;
-    report = kavren::verify(catalogue, text, options);
+    report = kavren::verify(catalogue, text.view, options);
   }
   if (report.outcome == kavren::Outcome::out_of_memory) {
     PyErr_SetString(PyExc_MemoryError, report.error.c_str());

@@ -8,6 +8,7 @@
 #include <new>
 #include <sstream>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 #include "astro/ephemeris.h"
@@ -46,8 +47,12 @@ int default_workers() {
   return hardware == 0 ? 1 : static_cast<int>(std::min(hardware, 256u));
 }
 
-// The stages; each returns false when the collector says to stop.
-struct Run {
+// The stages, with the verdict of checking them one after the other: the lines, the
+// grouping, each ship's assembly, each ship's events, the mining ledger, the arcs, the
+// ship count. While the file is read, each ship is assembled, its events checked and its
+// arcs started as soon as its last line is in, each into a collector of its own; the
+// collectors are appended in that order once what comes before them stands.
+struct Run : ShipSink {
   const Catalogue& catalogue;
   const Options& options;
   Findings findings;
@@ -58,6 +63,14 @@ struct Run {
   ArcStageResult arcs;
   DeadlineClock::time_point deadline;
 
+  // Per ship read: what its assembly and its events found.
+  std::vector<Findings> assembled;
+  std::vector<Findings> events;
+  bool reading_ended = false;
+  // A run that stops at its first finding needs nothing after a ship that failed.
+  bool doomed = false;
+  std::unique_ptr<ArcPipeline> pipeline;
+
   Run(const Catalogue& c, const Options& o)
       : catalogue(c), options(o), findings(o.mode == Mode::first) {}
 
@@ -65,31 +78,76 @@ struct Run {
   const DeadlineClock::time_point* limit() const {
     return options.deadline.count() > 0 ? &deadline : nullptr;
   }
-  // Between stages and ships: a verification past its deadline ends there.
+  // Between stages: a verification past its deadline ends there.
   void check_deadline() const { honour_deadline(limit()); }
 
-  bool all_stages(std::string_view text) {
-    if (!read_solution(text, ships, num_ships, findings, limit())) return false;
-    if (findings.stopped()) return false;
-    // The ship checks run over the reported count, never past the ships actually held.
-    const int checked = std::min(num_ships, static_cast<int>(ships.size()));
-    for (int index = 0; index < checked; ++index) {
-      check_deadline();
-      EventContext context{findings, catalogue.table().rows(), ships[index].ship_id};
-      if (!check_ship(ships[index], context)) return false;
+  void ship_read(ShipClass&& ship, Findings&& assembly, bool ended) override {
+    const bool failed = assembly.any();
+    assembled.push_back(std::move(assembly));
+    if (ended) {
+      reading_ended = true;
+      return;
     }
-    check_deadline();
-    std::vector<DmStructAsteroid> dm_asteroids(kNumAsteroids);
-    if (!check_mining_ledger(ships, checked, dm_asteroids, store, findings)) return false;
+    // Moving a ship leaves its arcs where they are: the pipeline may hold them.
+    static_assert(std::is_nothrow_move_constructible<ShipClass>::value,
+                  "ships move without copying their arcs");
+    ships.push_back(std::move(ship));
+    if (doomed || (failed && findings.stop_at_first())) {
+      doomed = true;
+      return;
+    }
+    ShipClass& held = ships.back();
+    Findings found(findings.stop_at_first());
+    EventContext context{found, catalogue.table().rows(), held.ship_id};
+    check_ship(held, context);
+    const bool events_failed = found.any();
+    events.push_back(std::move(found));
+    if (events_failed && findings.stop_at_first()) {
+      doomed = true;
+      pipeline->cancel();
+      return;
+    }
+    pipeline->add_ship(held);
+  }
 
-    check_deadline();
+  bool all_stages(std::string_view text) {
+    const bool passed = stages(text);
+    if (!passed) pipeline->cancel();
+    return passed;
+  }
+
+  bool stages(std::string_view text) {
     ArcStageOptions arc_options;
     arc_options.workers = options.workers > 0 ? options.workers : default_workers();
     arc_options.trajectories = options.trajectories;
     arc_options.inspect_steps = options.mode == Mode::all;
     arc_options.deadline = limit();
     arc_options.progress = options.progress;
-    if (!check_arcs(ships, findings, arc_options, arcs)) return false;
+    pipeline = std::make_unique<ArcPipeline>(arc_options, findings.stop_at_first(), true);
+
+    if (!scan_solution(text, findings, num_ships, *this, limit())) {
+      // The ships read ahead do not stand.
+      pipeline->cancel();
+      ships.clear();
+      return false;
+    }
+    for (Findings& found : assembled) {
+      findings.merge(std::move(found));
+      if (findings.stopped()) return false;
+    }
+    if (reading_ended) return false;
+    // The ship checks run over the reported count, never past the ships actually held.
+    const int checked = std::min(num_ships, static_cast<int>(ships.size()));
+    for (int index = 0; index < checked && index < static_cast<int>(events.size()); ++index) {
+      findings.merge(std::move(events[static_cast<std::size_t>(index)]));
+      if (findings.stopped()) return false;
+    }
+    check_deadline();
+    std::vector<DmStructAsteroid> dm_asteroids(kNumAsteroids);
+    if (!check_mining_ledger(ships, checked, dm_asteroids, store, findings)) return false;
+
+    check_deadline();
+    if (!pipeline->finish(findings, arcs)) return false;
     return check_ship_count(num_ships, store, total_resource_mass, findings);
   }
 };

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <condition_variable>
+#include <deque>
 #include <exception>
 #include <limits>
 #include <memory>
+#include <mutex>
 #include <system_error>
 #include <thread>
 
@@ -15,11 +18,6 @@
 namespace kavren {
 namespace {
 
-struct ArcRef {
-  const BurningArc* arc;
-  std::size_t ship;  // index into ships
-};
-
 // What one arc yields, kept until the arcs are put back in file order.
 struct ArcOutcome {
   std::unique_ptr<Findings> findings;
@@ -29,15 +27,22 @@ struct ArcOutcome {
   std::exception_ptr error;  // anything but a finding (out of memory, the deadline)
 };
 
-void check_one(const ArcRef& ref, bool stop_at_first, const ArcStageOptions& options,
+struct Job {
+  BurningArc* arc;
+  bool releasable;
+  std::size_t ship;  // index of the ship in the order added
+  ArcOutcome outcome;
+};
+
+void check_one(const BurningArc& arc, bool stop_at_first, const ArcStageOptions& options,
                ArcOutcome& outcome) {
   honour_deadline(options.deadline);
   outcome.findings =
       std::make_unique<Findings>(stop_at_first, Rule::thrust_magnitude, Rule::arc_mass);
   Findings& f = *outcome.findings;
-  const int ship = ref.arc->ship_number;
+  const int ship = arc.ship_number;
   ArcPhases phases;
-  const bool laid_out = walk_thrust_table(*ref.arc, phases, f, ship);
+  const bool laid_out = walk_thrust_table(arc, phases, f, ship);
   outcome.phases = phases.count;
   if (!laid_out) return;
   ArcIntegration run;
@@ -45,75 +50,167 @@ void check_one(const ArcRef& ref, bool stop_at_first, const ArcStageOptions& opt
   run.trajectory = options.trajectories ? &outcome.trajectory : nullptr;
   run.inspect_steps = options.inspect_steps;
   run.deadline = options.deadline;
-  integrate_and_compare(*ref.arc, phases, f, run);
+  integrate_and_compare(arc, phases, f, run);
   outcome.evaluations = run.evaluations;
 }
 
+constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t kMaxQueued = 64;  // arcs waiting for a worker
+
 }  // namespace
 
-bool check_arcs(const std::vector<ShipClass>& ships, Findings& findings,
-                const ArcStageOptions& options, ArcStageResult& result) {
-  std::vector<ArcRef> arcs;
-  for (std::size_t s = 0; s < ships.size(); ++s) {
-    for (const BurningArc& arc : ships[s].burning_arcs) arcs.push_back(ArcRef{&arc, s});
-  }
-  const std::size_t n = arcs.size();
-  const bool stop_at_first = findings.stop_at_first();
-  std::vector<ArcOutcome> outcomes(n);
+struct ArcPipeline::State {
+  ArcStageOptions options;
+  bool stop_at_first;
+  bool release_lines;
+  int helpers_wanted;
+  std::vector<int> ship_ids;  // of the ships added, in order (the adding thread only)
+  std::vector<std::thread> helpers;
+
+  std::mutex mutex;
+  std::condition_variable wake;
+  // Guarded by the mutex: the list itself, the next arc to hand out, the end. The arcs
+  // stay where they are while the list grows, so a worker holds its job unguarded.
+  std::deque<Job> jobs;
+  std::size_t next = 0;
+  bool closed = false;
+  bool cancelled = false;
 
   // Arcs are handed out in file order; once an arc failed in a run that stops at the
   // first failure, arcs after it are skipped, arcs before it still run, since one of
   // them may fail first.
-  constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
-  std::atomic<std::size_t> next{0};
-  std::atomic<std::size_t> done{0};
   std::atomic<std::size_t> first_failed{kNone};
-  auto work = [&] {
-    for (;;) {
-      const std::size_t i = next.fetch_add(1);
-      if (i >= n || i > first_failed.load()) break;
+  std::atomic<std::size_t> done{0};
+
+  // The next arc to verify, or null: none now (without waiting) or none to come. Without
+  // waiting, an arc is taken only when more than `queued` are waiting.
+  Job* take(bool wait, std::size_t& index, std::size_t& total, std::size_t queued = 0) {
+    std::unique_lock<std::mutex> lock(mutex);
+    if (wait) wake.wait(lock, [this] { return cancelled || closed || next < jobs.size(); });
+    if (cancelled || next + queued >= jobs.size()) return nullptr;
+    index = next++;
+    total = jobs.size();
+    return &jobs[index];
+  }
+
+  void run(Job& job, std::size_t index, std::size_t total) {
+    if (index <= first_failed.load()) {
       bool failed = false;
       try {
-        check_one(arcs[i], stop_at_first, options, outcomes[i]);
-        failed = outcomes[i].findings->stopped();
+        check_one(*job.arc, stop_at_first, options, job.outcome);
+        failed = job.outcome.findings->stopped();
       } catch (...) {
-        outcomes[i].error = std::current_exception();
+        job.outcome.error = std::current_exception();
         failed = true;
       }
       if (failed) {
         std::size_t seen = first_failed.load();
-        while (i < seen && !first_failed.compare_exchange_weak(seen, i)) {
+        while (index < seen && !first_failed.compare_exchange_weak(seen, index)) {
         }
       }
-      const std::size_t finished = done.fetch_add(1) + 1;
-      if (options.progress) options.progress(finished, n);
+      if (release_lines && job.releasable) {
+        std::vector<std::vector<double>>().swap(job.arc->lines);
+        std::vector<double>().swap(job.arc->values);
+      }
     }
-  };
-
-  const int workers = static_cast<int>(
-      std::min<std::size_t>(static_cast<std::size_t>(std::max(options.workers, 1)),
-                            std::max<std::size_t>(n, 1)));
-  std::vector<std::thread> threads;
-  for (int k = 1; k < workers; ++k) {
-    try {
-      threads.emplace_back(work);
-    } catch (const std::system_error&) {
-      break;  // no more threads: the ones started (or this one alone) do the work
-    }
+    const std::size_t finished = done.fetch_add(1) + 1;
+    if (options.progress) options.progress(finished, total);
   }
-  work();
-  for (std::thread& thread : threads) thread.join();
+
+  void work() {
+    std::size_t index = 0, total = 0;
+    while (Job* job = take(true, index, total)) run(*job, index, total);
+  }
+  void drain() {
+    std::size_t index = 0, total = 0;
+    while (Job* job = take(false, index, total)) run(*job, index, total);
+  }
+
+  void add(BurningArc* first, std::size_t count, bool releasable, int ship_id) {
+    const std::size_t ship = ship_ids.size();
+    ship_ids.push_back(ship_id);
+    if (count == 0) return;
+    {
+      std::lock_guard<std::mutex> lock(mutex);
+      for (std::size_t k = 0; k < count; ++k) jobs.push_back(Job{first + k, releasable, ship, {}});
+    }
+    wake.notify_all();
+    // Helpers start with the first arcs; without any, the adding thread does the work.
+    while (static_cast<int>(helpers.size()) < helpers_wanted) {
+      try {
+        helpers.emplace_back([this] { work(); });
+      } catch (const std::system_error&) {
+        helpers_wanted = static_cast<int>(helpers.size());
+      }
+    }
+    if (helpers_wanted == 0) {
+      drain();
+      return;
+    }
+    // The reading does not run far ahead of the helpers: the arcs waiting, and their
+    // lines, stay few. Past that, the adding thread verifies arcs itself.
+    std::size_t index = 0, total = 0;
+    while (Job* job = take(false, index, total, kMaxQueued)) run(*job, index, total);
+  }
+
+  void stop() {
+    {
+      std::lock_guard<std::mutex> lock(mutex);
+      cancelled = true;
+    }
+    wake.notify_all();
+    join();
+  }
+  void join() {
+    for (std::thread& thread : helpers) thread.join();
+    helpers.clear();
+  }
+};
+
+ArcPipeline::ArcPipeline(const ArcStageOptions& options, bool stop_at_first, bool release_lines)
+    : state_(std::make_unique<State>()) {
+  state_->options = options;
+  state_->stop_at_first = stop_at_first;
+  state_->release_lines = release_lines;
+  state_->helpers_wanted = std::max(options.workers, 1) - 1;
+}
+
+ArcPipeline::~ArcPipeline() { state_->stop(); }
+
+void ArcPipeline::add_ship(ShipClass& ship) {
+  state_->add(ship.burning_arcs.data(), ship.burning_arcs.size(), true, ship.ship_id);
+}
+
+void ArcPipeline::add_ship(const ShipClass& ship) {
+  // Never written through: the lines of a constant ship are not released.
+  state_->add(const_cast<BurningArc*>(ship.burning_arcs.data()), ship.burning_arcs.size(), false,
+              ship.ship_id);
+}
+
+void ArcPipeline::cancel() { state_->stop(); }
+
+bool ArcPipeline::finish(Findings& findings, ArcStageResult& result) {
+  State& s = *state_;
+  {
+    std::lock_guard<std::mutex> lock(s.mutex);
+    s.closed = true;
+  }
+  s.wake.notify_all();
+  s.work();
+  s.join();
 
   // Back in file order, up to the first arc that stopped the run.
+  const std::size_t n = s.jobs.size();
   result.arcs = n;
-  result.thrust_phases.assign(ships.size(), 0);
-  if (options.trajectories) {
-    result.trajectories.resize(ships.size());
-    for (std::size_t s = 0; s < ships.size(); ++s) result.trajectories[s].ship = ships[s].ship_id;
+  result.thrust_phases.assign(s.ship_ids.size(), 0);
+  if (s.options.trajectories) {
+    result.trajectories.resize(s.ship_ids.size());
+    for (std::size_t k = 0; k < s.ship_ids.size(); ++k) result.trajectories[k].ship = s.ship_ids[k];
   }
-  const std::size_t last = std::min(first_failed.load(), n == 0 ? 0 : n - 1);
+  const std::size_t last = std::min(s.first_failed.load(), n == 0 ? 0 : n - 1);
   for (std::size_t i = 0; i < n && i <= last; ++i) {
-    ArcOutcome& outcome = outcomes[i];
+    Job& job = s.jobs[i];
+    ArcOutcome& outcome = job.outcome;
     if (outcome.error) {
       try {
         std::rethrow_exception(outcome.error);
@@ -123,15 +220,22 @@ bool check_arcs(const std::vector<ShipClass>& ships, Findings& findings,
       }
     }
     result.evaluations += outcome.evaluations;
-    result.thrust_phases[arcs[i].ship] += outcome.phases;
-    if (options.trajectories) {
-      std::vector<TrajectoryPoint>& points = result.trajectories[arcs[i].ship].points;
+    result.thrust_phases[job.ship] += outcome.phases;
+    if (s.options.trajectories) {
+      std::vector<TrajectoryPoint>& points = result.trajectories[job.ship].points;
       points.insert(points.end(), outcome.trajectory.begin(), outcome.trajectory.end());
     }
     if (outcome.findings) findings.merge(std::move(*outcome.findings));
     if (findings.stopped()) return false;
   }
   return true;
+}
+
+bool check_arcs(const std::vector<ShipClass>& ships, Findings& findings,
+                const ArcStageOptions& options, ArcStageResult& result) {
+  ArcPipeline pipeline(options, findings.stop_at_first(), false);
+  for (const ShipClass& ship : ships) pipeline.add_ship(ship);
+  return pipeline.finish(findings, result);
 }
 
 }  // namespace kavren

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "kavren/report.h"
@@ -28,6 +29,33 @@ struct ArcStageResult {
   std::uint64_t evaluations = 0;
   std::size_t arcs = 0;
   bool deadline_reached = false;
+};
+
+// Arcs verified while ships are still being added: each ship's arcs may start as soon
+// as the ship is added, on the worker threads (or, with one worker, on the caller's
+// thread at once); finish() puts every outcome back in file order. A ship's arcs must
+// stay where they are until finish() returns or the pipeline is gone; once verified,
+// an arc's lines are released when `release_lines` is set.
+class ArcPipeline {
+ public:
+  ArcPipeline(const ArcStageOptions& options, bool stop_at_first, bool release_lines);
+  ~ArcPipeline();  // stops the workers
+  ArcPipeline(const ArcPipeline&) = delete;
+  ArcPipeline& operator=(const ArcPipeline&) = delete;
+
+  // The next ship in file order.
+  void add_ship(ShipClass& ship);
+  void add_ship(const ShipClass& ship);  // its lines are never released
+  // No outcome will be asked for: arcs not yet begun are not begun.
+  void cancel();
+  // Waits for every arc, then appends their findings in file order (ship by ship, arc
+  // by arc, the layout before the integration). False when the collector says to stop
+  // or the deadline passed.
+  bool finish(Findings& findings, ArcStageResult& result);
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
 };
 
 // Every arc of every ship: the layout of its lines, then its integration and end state.

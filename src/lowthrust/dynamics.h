@@ -27,6 +27,8 @@ struct CoastModel {
   double min_distance = std::numeric_limits<double>::infinity();  // AU, closest so far
   std::uint64_t evaluations = 0;
   void operator()(double t, const double* y, double* dy);
+  // Evaluations the integrator knows would repeat earlier ones: only counted.
+  void spared(long long calls) { evaluations += static_cast<std::uint64_t>(calls); }
 };
 
 // Sun gravity plus the interpolated thrust of a table, capped at the engine's limit.
@@ -38,6 +40,7 @@ struct ThrustModel {
   double min_distance = std::numeric_limits<double>::infinity();
   std::uint64_t evaluations = 0;
   void operator()(double t, const double* y, double* dy);
+  void spared(long long calls) { evaluations += static_cast<std::uint64_t>(calls); }
   // The capped thrust at t (N) into u; returns its magnitude.
   double thrust(double t, double* u);
 };

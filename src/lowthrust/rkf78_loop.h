@@ -7,10 +7,21 @@
 // Observer: int land(t, y, dim) when the interval is empty (returns the lines written),
 // int step(t, y, dim) after each accepted step (returns the lines written), void tick()
 // before each new step (it may throw to abandon the integration).
+//
+// A model whose evaluations have no effect but their count may offer
+// `void spared(long long calls)`. The loop then watches for steps that leave the time
+// as it was (a NaN time or step size does): once the step size, the state and the
+// derivative at the start of a step repeat those of a step up to eight steps before
+// (the signs of NaN components may cycle), every further step repeats that cycle up to
+// the evaluation budget, and only its bookkeeping is replayed: the counts, tick(), the
+// states the observer sees. The result is the full loop's, bit for bit.
 #pragma once
 
 #include <cmath>
 #include <cstddef>
+#include <cstring>
+#include <type_traits>
+#include <utility>
 
 #include "lowthrust/rkf78.h"
 
@@ -22,6 +33,73 @@ constexpr double kU26 = 5.773159728050814e-15;           // 26 DBL_EPSILON
 constexpr double kSafety = 0.9;
 constexpr double kLargestShrinkAt = 43046721.0;  // 9^8: below it 0.9 / esttol^(1/8) > 0.1
 constexpr double kGrowthFiveAt = 2.5657845139503485e-08;
+
+template <class M, class = void>
+struct can_spare : std::false_type {};
+template <class M>
+struct can_spare<M, std::void_t<decltype(std::declval<M&>().spared(0LL))>> : std::true_type {};
+
+inline bool same_bits(const double* a, const double* b, std::ptrdiff_t n) {
+  return std::memcmp(a, b, static_cast<std::size_t>(n) * sizeof(double)) == 0;
+}
+
+// The starts of the latest steps taken at one unchanging time, for a model that can
+// spare evaluations.
+class StepCycle {
+ public:
+  static constexpr int kMaxDim = 16;
+  static constexpr int kMaxPeriod = 8;
+  struct Start {
+    double h;
+    double y[kMaxDim];
+    double k[kMaxDim];
+    long long evaluations;  // what the step added to the count, once it is over
+    long long calls;
+  };
+
+  // At the start of a step: the period with which (h, y, k) repeats an earlier start,
+  // or 0, in which case this start is recorded.
+  int at_start(double t, double h, const double* y, const double* k, std::ptrdiff_t d) {
+    if (d > kMaxDim) return 0;
+    if (!(recorded_ > 0 && same_bits(&t, &t_, 1))) {
+      recorded_ = 0;
+      t_ = t;
+      if (!(have_previous_ && same_bits(&t, &previous_t_, 1))) {
+        previous_t_ = t;
+        have_previous_ = true;
+        return 0;
+      }
+    }
+    for (int p = 1; p <= kMaxPeriod && p <= recorded_; ++p) {
+      const Start& s = start(recorded_ - p);
+      if (same_bits(&s.h, &h, 1) && same_bits(s.y, y, d) && same_bits(s.k, k, d)) return p;
+    }
+    Start& s = start(recorded_);
+    s.h = h;
+    std::memcpy(s.y, y, static_cast<std::size_t>(d) * sizeof(double));
+    std::memcpy(s.k, k, static_cast<std::size_t>(d) * sizeof(double));
+    s.evaluations = -1;
+    ++recorded_;
+    return 0;
+  }
+  // At the end of a step that was recorded.
+  void at_end(long long evaluations, long long calls) {
+    if (recorded_ > 0 && start(recorded_ - 1).evaluations < 0) {
+      start(recorded_ - 1).evaluations = evaluations;
+      start(recorded_ - 1).calls = calls;
+    }
+  }
+  // Start j (0 <= j < p) of the cycle of period p found now.
+  const Start& cycle(int p, int j) const { return starts_[(recorded_ - p + j) % kMaxPeriod]; }
+
+ private:
+  Start& start(int index) { return starts_[index % kMaxPeriod]; }
+  Start starts_[kMaxPeriod];
+  int recorded_ = 0;
+  double t_ = 0.0;
+  double previous_t_ = 0.0;
+  bool have_previous_ = false;
+};
 }  // namespace detail
 
 template <class Model>
@@ -113,8 +191,29 @@ int rkf78_integrate(Model& model, double* y, double& t, double tout, int dim, do
     return 0;
   }
 
+  constexpr bool kMaySpare = detail::can_spare<Model>::value;
+  detail::StepCycle cycle;
   int lines = 0;
   for (;;) {
+    const long long n_start = n;
+    long long trials = 0;
+    if constexpr (kMaySpare) {
+      if (const int p = cycle.at_start(t, h, y, K0, d)) {
+        // Every further step repeats the last p, up to the budget.
+        for (int j = 0;; j = (j + 1) % p) {
+          observer.tick();
+          if (n > maxEval) {
+            flag = 4;
+            return lines;
+          }
+          const auto& step = cycle.cycle(p, j);
+          n += step.evaluations;
+          model.spared(step.calls);
+          std::memcpy(y, cycle.cycle(p, (j + 1) % p).y, static_cast<std::size_t>(d) * sizeof(double));
+          lines += observer.step(t, y, dim);
+        }
+      }
+    }
     dt = tout - t;
     bool output = false;
     if (std::fabs(dt) < 2.0 * std::fabs(h)) {
@@ -136,6 +235,7 @@ int rkf78_integrate(Model& model, double* y, double& t, double tout, int dim, do
     for (;;) {
       rkf78_step(model, y, t, h, trial, dim, K0);
       n += 8;
+      ++trials;
       double eeoet = 0.0;
       for (std::ptrdiff_t k = 0; k < d; ++k) {
         const double et = std::fabs(trial[k]) + std::fabs(y[k]) + aeMin * scale;
@@ -169,6 +269,7 @@ int rkf78_integrate(Model& model, double* y, double& t, double tout, int dim, do
     h = CopySign(Max(s * std::fabs(h), hmin), h);
 
     lines += observer.step(t, y, dim);
+    if constexpr (kMaySpare) cycle.at_end(n - n_start, 12 * trials + 1);
     if (output) {
       t = tout;
       flag = 2;

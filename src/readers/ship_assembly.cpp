@@ -27,23 +27,23 @@ ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship, Findings& findings,
   ship_.ship_id = ordinal;
 }
 
-bool ShipAssembler::add_line(int index, std::string_view text) {
-  tokenize_line(text, tokens_);
+bool ShipAssembler::add_line(int index, std::string_view text,
+                             const std::vector<std::string_view>& tokens) {
   const int seen = lines_seen_++;
   double epoch = 0.0;
   if (seen < 2) {
     StateStruct& state = seen == 0 ? ship_.launch.state_before : ship_.launch.state_after;
-    decode_event_line(index, tokens_, ship_.launch.body_id, epoch, state);
+    decode_event_line(index, tokens, ship_.launch.body_id, epoch, state);
     previous_ = ship_.launch.state_after;
     return true;
   }
-  if (tokens_.size() == 10) {
+  if (tokens.size() == 10) {
     if (!first_pending_) {
-      decode_event_line(index, tokens_, first_id_, epoch, first_);
+      decode_event_line(index, tokens, first_id_, epoch, first_);
       first_pending_ = true;
       return true;
     }
-    decode_event_line(index, tokens_, second_id_, epoch, second_);
+    decode_event_line(index, tokens, second_id_, epoch, second_);
     first_pending_ = false;
     return add_event_pair();
   }
@@ -60,7 +60,7 @@ bool ShipAssembler::add_line(int index, std::string_view text) {
     std::vector<double>().swap(arc_pending_);
     return true;
   }
-  for (std::size_t k = 2; k < 6; ++k) arc_pending_.push_back(parse_double(token(tokens_, k)));
+  for (std::size_t k = 2; k < 6; ++k) arc_pending_.push_back(parse_double(token(tokens, k)));
   return true;
 }
 

@@ -16,10 +16,10 @@ class ShipAssembler {
   // `text` is the whole solution, which the lines given to add_line are views into.
   ShipAssembler(int ordinal, ShipClass& ship, Findings& findings, std::string_view text);
 
-  // One line of the ship, its trimmed text and 0-based file index. The first two are
-  // the launch pair; then event pairs with burning-arc lines between them. False when
-  // the reading must end.
-  bool add_line(int index, std::string_view text);
+  // One line of the ship: its 0-based file index, its trimmed text and the tokens of
+  // that text. The first two are the launch pair; then event pairs with burning-arc
+  // lines between them. False when the reading must end.
+  bool add_line(int index, std::string_view text, const std::vector<std::string_view>& tokens);
   // Sets the final mass: that of the ship's last event line. Arc lines after the last
   // event pair close no arc and are ignored.
   void finish();
@@ -36,7 +36,7 @@ class ShipAssembler {
   Findings& findings_;
   const char* text_end_;
   int lines_seen_ = 0;
-  std::vector<std::string_view> tokens_;
+  std::vector<std::string_view> tokens_;  // of arc lines read again from the text
 
   StateStruct previous_;       // second line of the previous event pair
   bool first_pending_ = false;  // first line of a pair read, its second not yet

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -122,8 +123,48 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
 // The deadline is looked at once every this many lines.
 constexpr int kLinesBetweenDeadlineChecks = 4096;
 
-bool read_lines(std::string_view text, EventLists& lists, int& line_count, Findings& findings,
-                const DeadlineClock::time_point* deadline) {
+// The ship being assembled, handed to the sink when its last line has been read.
+class ShipInProgress {
+ public:
+  ShipInProgress(ShipSink& sink, bool stop_at_first, std::string_view text)
+      : sink_(sink), stop_at_first_(stop_at_first), text_(text) {}
+
+  bool assembling() const { return !ended_; }
+  void start(int ordinal) {
+    ship_ = ShipClass();
+    found_ = Findings(stop_at_first_);
+    assembler_.emplace(ordinal, ship_, found_, text_);
+  }
+  void add(int index, std::string_view text, const std::vector<std::string_view>& tokens) {
+    if (!assembler_) return;
+    if (!assembler_->add_line(index, text, tokens)) {
+      ended_ = true;
+      hand_over();
+    }
+  }
+  void finish() {
+    if (!assembler_) return;
+    assembler_->finish();
+    hand_over();
+  }
+
+ private:
+  void hand_over() {
+    assembler_.reset();
+    sink_.ship_read(std::move(ship_), std::move(found_), ended_);
+  }
+
+  ShipSink& sink_;
+  bool stop_at_first_;
+  std::string_view text_;
+  ShipClass ship_;
+  Findings found_{true};
+  std::optional<ShipAssembler> assembler_;
+  bool ended_ = false;
+};
+
+bool read_lines(std::string_view text, EventLists& lists, Findings& findings,
+                ShipInProgress& ship, const DeadlineClock::time_point* deadline) {
   TextLines source(text);
   std::vector<std::string_view> tokens;
   tokens.reserve(16);
@@ -137,10 +178,18 @@ bool read_lines(std::string_view text, EventLists& lists, int& line_count, Findi
                          ": The number of data in this line is unreasonable.");
     }
     if (index % kLinesBetweenDeadlineChecks == 0) honour_deadline(deadline);
+    const std::size_t ships_before = lists.ship_starts.size();
     if (!read_line(raw, index, lists, tokens, findings)) return false;
+    if (ship.assembling()) {
+      if (lists.ship_starts.size() != ships_before) {
+        ship.finish();
+        ship.start(static_cast<int>(lists.ship_starts.size()));
+      }
+      ship.add(index, trimmed_line(raw), tokens);
+    }
     ++index;
   }
-  line_count = index;
+  if (ship.assembling()) ship.finish();
   return true;
 }
 
@@ -212,41 +261,41 @@ bool check_structure(const EventLists& lists, Findings& findings) {
   return true;
 }
 
-// Second reading of the text: every ship built from its run of lines.
-bool assemble_ships(std::string_view text, const std::vector<int>& starts, int line_count,
-                    std::vector<ShipClass>& ships, Findings& findings,
-                    const DeadlineClock::time_point* deadline) {
-  TextLines source(text);
-  std::string_view raw;
-  int index = 0;
-  for (std::size_t k = 0; k < starts.size(); ++k) {
-    const int end = k + 1 < starts.size() ? starts[k + 1] : line_count;
-    ShipClass ship;
-    ShipAssembler assembler(static_cast<int>(k) + 1, ship, findings, text);
-    for (; index < end && source.next(raw); ++index) {
-      if (index % kLinesBetweenDeadlineChecks == 0) honour_deadline(deadline);
-      if (!assembler.add_line(index, trimmed_line(raw))) return false;
-    }
-    assembler.finish();
-    ships.push_back(std::move(ship));
-  }
-  return true;
-}
-
 }  // namespace
 
-bool read_solution(std::string_view text, std::vector<ShipClass>& ships, int& num_ships,
-                   Findings& findings, const DeadlineClock::time_point* deadline) {
+bool scan_solution(std::string_view text, Findings& findings, int& num_ships, ShipSink& sink,
+                   const DeadlineClock::time_point* deadline) {
   if (text.empty()) {
     return refuse(findings, "ErrorA02. File Open Error: The solution file is empty.");
   }
   EventLists lists;
-  int line_count = 0;
-  if (!read_lines(text, lists, line_count, findings, deadline)) return false;
+  ShipInProgress ship(sink, findings.stop_at_first(), text);
+  if (!read_lines(text, lists, findings, ship, deadline)) return false;
+  if (findings.stopped()) return false;
   if (!check_structure(lists, findings)) return false;
   num_ships = static_cast<int>(lists.ship_starts.size());
-  ships.reserve(ships.size() + lists.ship_starts.size());
-  return assemble_ships(text, lists.ship_starts, line_count, ships, findings, deadline);
+  return true;
+}
+
+bool read_solution(std::string_view text, std::vector<ShipClass>& ships, int& num_ships,
+                   Findings& findings, const DeadlineClock::time_point* deadline) {
+  struct Collect : ShipSink {
+    std::vector<ShipClass>& ships;
+    std::vector<Findings> found;
+    bool ended = false;
+    explicit Collect(std::vector<ShipClass>& s) : ships(s) {}
+    void ship_read(ShipClass&& ship, Findings&& assembly, bool end) override {
+      found.push_back(std::move(assembly));
+      ended = end;
+      if (!end) ships.push_back(std::move(ship));
+    }
+  } collect(ships);
+  if (!scan_solution(text, findings, num_ships, collect, deadline)) return false;
+  for (Findings& assembly : collect.found) {
+    findings.merge(std::move(assembly));
+    if (findings.stopped()) return false;
+  }
+  return !collect.ended;
 }
 
 }  // namespace kavren

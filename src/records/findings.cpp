@@ -156,7 +156,17 @@ void Findings::merge(Findings&& later) {
     finding.first = findings_.empty();
     findings_.push_back(std::move(finding));
   }
-  for (Warning& warning : later.warnings_) warnings_.push_back(std::move(warning));
+  // A rule that passed on NaN is named once, at its first NaN, as one collector does.
+  for (Warning& warning : later.warnings_) {
+    bool repeated = false;
+    if (warning.kind == "nan-passes") {
+      for (int r = 0; r < static_cast<int>(Rule::count) && !repeated; ++r) {
+        const Row* mine = row(r);
+        repeated = mine != nullptr && mine->nan_warned && warning.rule == kRules[r].id;
+      }
+    }
+    if (!repeated) warnings_.push_back(std::move(warning));
+  }
   for (int r = 0; r < static_cast<int>(Rule::count); ++r) {
     const Row* kept = later.row(r);
     Row* into = row(r);

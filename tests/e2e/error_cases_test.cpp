@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <set>
+#include <stdexcept>
+#include <string>
 
 #include "support/error_case.h"
 #include "kavren/verify.h"
@@ -12,10 +14,42 @@
 namespace kavren::test {
 namespace {
 
+// Two faults in stages that come one after the other (the lines, the grouping, each
+// ship's assembly, each ship's events, the ledger, the arcs), the later stage's fault
+// earlier in the file: the earlier stage's message is the verdict, although the ships
+// before it have been assembled, checked and integrated while the file was still read.
+void add_precedence_cases(std::vector<ErrorCase>& cases) {
+  static const struct {
+    const char* earlier_stage;
+    const char* later_stage;
+  } pairs[] = {
+      {"Error002_LastLineAfterMissionEnd", "Error401_FirstLineOfArc"},
+      {"ErrorA23_TwoAsteroidsInOnePair", "Error401_FirstLineOfArc"},
+      {"Error005_RendezvousBeforePreviousOne", "Error502_LaunchSecondPosition"},
+      {"Error501_SecondShipLaunchEpoch", "Error401_ThrustLineInPhase"},
+      {"Error803_FirstVisitLeaves39kg", "Error401_FirstLineOfArc"},
+  };
+  auto find = [&cases](const char* name) {
+    for (const ErrorCase& c : cases) {
+      if (c.name == name) return c;
+    }
+    throw std::runtime_error(std::string("no case ") + name);
+  };
+  for (const auto& pair : pairs) {
+    const ErrorCase earlier = find(pair.earlier_stage), later = find(pair.later_stage);
+    cases.push_back({earlier.name + "_Before_" + later.name, earlier.code,
+                     [earlier, later](Scenario& s) {
+                       later.make(s);
+                       return earlier.make(s);
+                     }});
+  }
+}
+
 std::vector<ErrorCase> all_cases() {
   std::vector<ErrorCase> cases = input_error_cases();
   for (ErrorCase& c : event_error_cases()) cases.push_back(std::move(c));
   for (ErrorCase& c : physics_error_cases()) cases.push_back(std::move(c));
+  add_precedence_cases(cases);
   return cases;
 }
 

@@ -21,8 +21,9 @@
 namespace kavren::test {
 namespace {
 
-// The 100-ship bench scenario, and its hostile form (every launch's second epoch NaN: the
-// coast that opens each ship's first arc runs to its evaluation budget).
+// The 100-ship bench scenario, and its hostile form (every event that ends an arc with
+// lines far after the mission: reporting every finding, each such arc's last coast runs to
+// its evaluation budget).
 struct Bench {
   std::string result, hostile, catalogue;
 };
@@ -36,7 +37,7 @@ const Bench& bench() {
     if (synth.status != 0) throw std::runtime_error("kavren-synth bench failed: " + synth.err);
     b.result = *d.read("case/Result.txt");
     b.catalogue = *d.read("case/KAVREN_Asteroids_Data.txt");
-    b.hostile = *d.read("case/Result-nan-launch.txt");
+    b.hostile = *d.read("case/Result-late-arrivals.txt");
     return b;
   }();
   return made;
@@ -177,6 +178,7 @@ TEST(ApiLimits, ByteLimitAndDeadline) {
   EXPECT_EQ(over.checker_output, "");
 
   options.max_bytes = 0;
+  options.mode = Mode::all;
   options.deadline = std::chrono::milliseconds(200);
   const Report hostile = verify(Catalogue::from_text(bench().catalogue), bench().hostile, options);
   EXPECT_EQ(hostile.outcome, Outcome::limit_reached);

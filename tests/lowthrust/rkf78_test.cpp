@@ -7,11 +7,15 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
 #include "astro/constants.h"
 #include "lowthrust/dynamics.h"
+#include "lowthrust/rkf78_loop.h"
+#include "lowthrust/thrust_table.h"
 #include "support/reference.h"
 
 namespace {
@@ -310,3 +314,129 @@ TEST(RKF78Flags, RestartsWithoutAFreshEvaluation) {
 }
 
 }  // namespace
+
+// --- Legs that cannot advance --------------------------------------------------------
+
+// A model that counts the evaluations it really makes; without `spared` the loop runs
+// every step, with it the loop may replay a cycle of steps that change nothing.
+template <class Model, bool kSpare>
+struct Counted {
+  Model& model;
+  long long made = 0;
+  void operator()(double t, const double* y, double* dy) {
+    ++made;
+    model(t, y, dy);
+  }
+};
+template <class Model>
+struct Counted<Model, true> {
+  Model& model;
+  long long made = 0;
+  void operator()(double t, const double* y, double* dy) {
+    ++made;
+    model(t, y, dy);
+  }
+  void spared(long long calls) { model.spared(calls); }
+};
+
+// Every state the loop shows its observer, as bits.
+struct Recorder {
+  std::vector<std::uint64_t> bits;
+  void keep(double t, const double* y, int dim) {
+    for (int k = -1; k < dim; ++k) {
+      std::uint64_t b = 0;
+      std::memcpy(&b, k < 0 ? &t : &y[k], sizeof b);
+      bits.push_back(b);
+    }
+  }
+  int land(double t, const double* y, int dim) {
+    keep(t, y, dim);
+    return 1;
+  }
+  int step(double t, const double* y, int dim) {
+    keep(t, y, dim);
+    return 0;
+  }
+  void tick() {}
+};
+
+struct LegResult {
+  int flag, lines;
+  double t, y[7];
+  std::uint64_t evaluations;
+  long long made;
+  Recorder seen;
+};
+
+template <bool kSpare, class Model>
+LegResult run_leg(Model model, double t, double tout, const double* y0) {
+  static const double abs_tol[7] = {1e-10, 1e-10, 1e-10, 1e-12, 1e-12, 1e-12, 1e-08};
+  LegResult r{};
+  std::copy(y0, y0 + 7, r.y);
+  r.t = t;
+  r.flag = 1;
+  double work[14 * 7];
+  Counted<Model, kSpare> counted{model};
+  r.lines = RK::rkf78_integrate(counted, r.y, r.t, tout, 7, 1e-12, abs_tol, r.flag, work,
+                                100000, r.seen);
+  r.evaluations = model.evaluations;
+  r.made = counted.made;
+  return r;
+}
+
+// A leg whose time, step or state is NaN from the start ends exactly as the full loop
+// does (flag, time and state to the bit, every state shown, the evaluation count), and
+// where the time stays NaN it does so without running to the evaluation budget.
+TEST(RKF78Legs, NaNLegsEndAsTheFullLoopWithoutItsCost) {
+  const double nan = std::nan("");
+  const double y0[7] = {1.0, 0.0, 0.0, 0.0, 1.0, 0.0, 2000.0};
+  const double nan_y[7] = {nan, nan, nan, nan, nan, nan, nan};
+  // A one-day thrust table of four lines: one with a NaN component, one whose last two
+  // lines share an epoch.
+  const double day = 86400.0 / kavren::kTU;
+  auto table = [&](double last_step, double ux) {
+    return std::vector<double>{1.0,       4.0,       0.0, day, 2 * day, 2 * day + last_step,
+                               0.1,       ux,        0.1, 0.1, 0.0,     0.0,
+                               0.0,       0.0,       0.0, 0.0, 0.0,     0.0};
+  };
+  const std::vector<double> nan_thrust = table(day, nan);
+  const std::vector<double> same_epoch = table(0.0, 0.1);
+  auto thrust = [](const std::vector<double>& block) {
+    kavren::ThrustModel m;
+    m.table = kavren::thrust_table_of(block.data(), true);
+    return m;
+  };
+  struct Case {
+    const char* name;
+    bool coast;
+    const std::vector<double>* block;
+    double t, tout;
+    const double* y;
+    bool cheap;  // the time stays NaN: the fast path must take over
+  } cases[] = {
+      {"NaN start epoch, coast", true, nullptr, nan, 5.0, y0, true},
+      {"NaN end epoch, coast", true, nullptr, 0.0, nan, y0, true},
+      {"NaN state, coast", true, nullptr, 0.0, 5.0, nan_y, false},
+      {"NaN start epoch, thrust", false, &same_epoch, nan, 2 * day, y0, true},
+      {"NaN thrust component", false, &nan_thrust, 0.0, 3 * day, y0, false},
+      {"phase closing with two lines at one epoch", false, &same_epoch, 0.0, 2 * day, y0, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const LegResult fast = c.coast ? run_leg<true>(kavren::CoastModel{}, c.t, c.tout, c.y)
+                                   : run_leg<true>(thrust(*c.block), c.t, c.tout, c.y);
+    const LegResult full = c.coast ? run_leg<false>(kavren::CoastModel{}, c.t, c.tout, c.y)
+                                   : run_leg<false>(thrust(*c.block), c.t, c.tout, c.y);
+    EXPECT_EQ(fast.flag, full.flag);
+    EXPECT_EQ(fast.lines, full.lines);
+    EXPECT_EQ(std::memcmp(&fast.t, &full.t, sizeof fast.t), 0);
+    EXPECT_EQ(std::memcmp(fast.y, full.y, sizeof fast.y), 0);
+    EXPECT_EQ(fast.evaluations, full.evaluations);
+    EXPECT_EQ(fast.seen.bits, full.seen.bits);
+    EXPECT_EQ(full.made, static_cast<long long>(full.evaluations));
+    if (c.cheap) {
+      EXPECT_EQ(full.flag, 4);  // the full loop runs to the budget
+      EXPECT_LT(fast.made, 1000);
+    }
+  }
+}

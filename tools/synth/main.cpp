@@ -2,8 +2,10 @@
 // verifier's end-to-end tests, the demo and the benchmarks.
 //   kavren-synth demo <dir> [--seed N]
 //   kavren-synth suite <dir>
-//   kavren-synth bench <dir> [--ships N] [--seed N]
-//     (also Result-nan-launch.txt: the same solution with every launch's second epoch NaN)
+//   kavren-synth bench <dir> [--ships N] [--seed N] [--short-numbers]
+//     (numbers at full precision unless --short-numbers)
+//     (also Result-late-arrivals.txt: the same solution with every event that ends a
+//     burning arc with lines at MJD 99999)
 //   kavren-synth selfcheck   (checks of its own numerics; status 1 on a failure)
 #include <sys/stat.h>
 
@@ -66,6 +68,13 @@ long option(int argc, char** argv, const std::string& name, long fallback) {
   return fallback;
 }
 
+bool flag(int argc, char** argv, const std::string& name) {
+  for (int k = 3; k < argc; ++k) {
+    if (argv[k] == name) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -73,7 +82,7 @@ int main(int argc, char** argv) {
     return synth::self_check(std::cout) ? 0 : 1;
   }
   if (argc < 3) {
-    std::cerr << "usage: kavren-synth demo|suite|bench <dir> [--seed N] [--ships N]\n"
+    std::cerr << "usage: kavren-synth demo|suite|bench <dir> [--seed N] [--ships N] [--short-numbers]\n"
               << "       kavren-synth selfcheck\n";
     return 2;
   }
@@ -94,9 +103,10 @@ int main(int argc, char** argv) {
       if (ships < 2 || ships > 100 || ships % 2 != 0) {
         throw std::runtime_error("--ships must be an even number from 2 to 100");
       }
+      const bool full = !flag(argc, argv, "--short-numbers");
       const std::string result = write_scenario(
-          dir, seed, [&](synth::Builder& b) { return synth::build_bench(b, ships, seed); });
-      write_file(dir + "/Result-nan-launch.txt", synth::nan_launch_epochs(result));
+          dir, seed, [&](synth::Builder& b) { return synth::build_bench(b, ships, seed, full); });
+      write_file(dir + "/Result-late-arrivals.txt", synth::late_arrivals(result));
     } else {
       std::cerr << "unknown command " << command << "\n";
       return 2;

@@ -41,9 +41,11 @@ void resonant_vinf(double epoch, double angle, double* vinf) {
 
 // Zero-thrust phases packed into (from, to): the thrust dynamics run, the orbit does not
 // change, so resonant ships still meet the Earth and their asteroids again.
-std::vector<Phase> idle_phases(double from, double to, int lines, int max_phases) {
+// Offset from the previous event to the first phase, in days.
+std::vector<Phase> idle_phases(double from, double to, int lines, int max_phases,
+                               double offset = 0.25) {
   std::vector<Phase> phases;
-  double start = from + 0.25;
+  double start = from + offset;
   while (static_cast<int>(phases.size()) < max_phases && start + (lines - 1) <= to - 0.25) {
     Phase p;
     p.start = start;
@@ -74,6 +76,11 @@ struct PairPlan {
   double mass1 = 29.9, mass2 = 39.9;
   int idle_lines = 4;      // thrust lines per idle phase, 0 for pure coasts
   int idle_per_arc = 2;
+  // Full-precision idle phases: the first starts 0.3 days after the event (an epoch no
+  // short decimal holds) and each thrusts a random vector of at most this many newtons
+  // per axis, too weak to move the ship off its resonant orbit.
+  double idle_thrust = 0.0;
+  Rng* idle_rng = nullptr;
   double launch_mass = 2000.0;
   // The last drop may also turn the excess velocity about the Earth's velocity by this
   // angle (0: no turn): the ship keeps the Earth's period and meets it again each period,
@@ -170,6 +177,16 @@ double matched_leg(const Builder& b, int from, int to, double lo, double hi,
   throw std::runtime_error("no matched transfer in the window");
 }
 
+std::vector<Phase> idle_phases_of(const PairPlan& plan, double from, double to) {
+  if (plan.idle_lines < 2) return {};
+  if (plan.idle_rng == nullptr) return idle_phases(from, to, plan.idle_lines, plan.idle_per_arc);
+  std::vector<Phase> phases = idle_phases(from, to, plan.idle_lines, plan.idle_per_arc, 0.3);
+  for (Phase& p : phases) {
+    for (double& u : p.u) u = plan.idle_rng->uniform(-plan.idle_thrust, plan.idle_thrust);
+  }
+  return phases;
+}
+
 void build_pair(Builder& b, const PairPlan& plan) {
   const double T = earth_period_days();
   double vinf[3];
@@ -200,9 +217,7 @@ void build_pair(Builder& b, const PairPlan& plan) {
               [](const Encounter& x, const Encounter& y) { return x.epoch < y.epoch; });
     double previous = plan.t0;
     for (const Encounter& e : plan_events) {
-      std::vector<Phase> phases;
-      if (plan.idle_lines >= 2)
-        phases = idle_phases(previous, e.epoch, plan.idle_lines, plan.idle_per_arc);
+      const std::vector<Phase> phases = idle_phases_of(plan, previous, e.epoch);
       b.arc_to(e.epoch, phases);
       if (e.kind == 0) {
         asteroid_of[s][e.slot] = b.deploy(asteroid_of[s][e.slot]);
@@ -224,10 +239,7 @@ void build_pair(Builder& b, const PairPlan& plan) {
     }
     for (int k = 1; k <= plan.returns; ++k) {
       const double epoch = previous + T;
-      std::vector<Phase> phases;
-      if (plan.idle_lines >= 2)
-        phases = idle_phases(previous, epoch, plan.idle_lines, plan.idle_per_arc);
-      b.arc_to(epoch, phases);
+      b.arc_to(epoch, idle_phases_of(plan, previous, epoch));
       double vout[3];
       turned_departure(b, -3, plan.final_turn, vout);
       b.flyby(-3, vout);
@@ -381,8 +393,9 @@ Scenario build_suite_case(Builder& b, int index) {
   }
 }
 
-Scenario build_bench(Builder& b, int ships, std::uint64_t seed) {
+Scenario build_bench(Builder& b, int ships, std::uint64_t seed, bool full_precision) {
   Rng rng(seed);
+  Rng thrust_rng(seed + 1);
   for (int pair = 0; 2 * pair < ships; ++pair) {
     PairPlan plan;
     plan.t0 = 64330.0 + 3.0 * pair;
@@ -396,6 +409,10 @@ Scenario build_bench(Builder& b, int ships, std::uint64_t seed) {
     plan.mass2 = 49.95;
     plan.idle_lines = 5;
     plan.idle_per_arc = 1000;
+    if (full_precision) {
+      plan.idle_thrust = 1e-8;
+      plan.idle_rng = &thrust_rng;
+    }
     build_pair(b, plan);
   }
   return {"bench", std::to_string(ships) + " resonant ships with packed thrust tables"};

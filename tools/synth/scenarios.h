@@ -19,7 +19,9 @@ Scenario build_demo(Builder& builder, std::uint64_t seed);
 // Variants for the end-to-end suite, index 0 .. suite_size() - 1.
 int suite_size();
 Scenario build_suite_case(Builder& builder, int index);
-// A large case: `ships` ships whose arcs are packed with one-day thrust-table lines.
-Scenario build_bench(Builder& builder, int ships, std::uint64_t seed);
+// A large case: `ships` ships whose arcs are packed with one-day thrust-table lines. At full
+// precision every arc line's epoch and thrust need 17 significant digits, as an
+// optimiser prints doubles; otherwise they are short decimals and zero thrust.
+Scenario build_bench(Builder& builder, int ships, std::uint64_t seed, bool full_precision = true);
 
 }  // namespace synth

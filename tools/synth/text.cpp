@@ -26,15 +26,14 @@ std::vector<std::string> tokens(const std::string& line) {
 
 }  // namespace
 
-std::string nan_launch_epochs(const std::string& result) {
+std::string late_arrivals(const std::string& result) {
   std::vector<std::vector<std::string>> lines;
   std::istringstream in(result);
   for (std::string line; std::getline(in, line);) lines.push_back(tokens(line));
-  // The second line of a launch pair (event 0) followed by a burning-arc line.
-  for (std::size_t k = 1; k + 1 < lines.size(); ++k) {
-    if (lines[k - 1].size() == 10 && lines[k].size() == 10 && lines[k + 1].size() == 6 &&
-        lines[k][1] == "0") {
-      lines[k][2] = "nan";
+  // The first line of an event pair (not a launch) that follows a burning-arc line.
+  for (std::size_t k = 1; k < lines.size(); ++k) {
+    if (lines[k - 1].size() == 6 && lines[k].size() == 10 && lines[k][1] != "0") {
+      lines[k][2] = "99999";
     }
   }
   std::string out;
