@@ -1,5 +1,8 @@
 #include "app/driver.h"
 
+#include <signal.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -7,6 +10,7 @@
 #include <cstring>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -53,24 +57,48 @@ struct Stage {
   std::size_t bytes = 0;
 };
 
-int verify_files(Stage& stage) {
-  std::string catalogue_text;
-  if (!read_file_bytes(kCatalogueFile, catalogue_text)) {
-    return print("ErrorA00: The file of Asteroid Data cannot be found.\n", 1);
-  }
-  const Catalogue catalogue = Catalogue::from_text(catalogue_text);
-  catalogue_text = std::string();
+// The input files are mapped into memory; one that another program shortens while it is
+// read cannot be read to its end: the run ends as when memory runs out, with one line
+// on standard error (only async-signal-safe calls here).
+const char* g_reading = kCatalogueFile;
 
-  std::string solution;
+extern "C" void input_vanished(int) {
+  static constexpr char kHead[] = "kavren-check: ";
+  static constexpr char kTail[] = " was shortened while it was read\n";
+  const auto say = [](const char* text, std::size_t size) {
+    if (::write(STDERR_FILENO, text, size) < 0) return;
+  };
+  say(kHead, sizeof kHead - 1);
+  say(g_reading, std::strlen(g_reading));
+  say(kTail, sizeof kTail - 1);
+  std::_Exit(kResourceFailure);
+}
+
+int verify_files(Stage& stage) {
+  struct sigaction on_bus {};
+  on_bus.sa_handler = input_vanished;
+  sigaction(SIGBUS, &on_bus, nullptr);
+
+  std::optional<Catalogue> catalogue;
+  {
+    MappedFile catalogue_file;
+    if (!catalogue_file.open(kCatalogueFile)) {
+      return print("ErrorA00: The file of Asteroid Data cannot be found.\n", 1);
+    }
+    catalogue = Catalogue::from_text(catalogue_file.text());
+  }
+
+  MappedFile solution;
   stage.file = kSolutionFile;
-  if (!read_file_bytes(kSolutionFile, solution)) {
+  g_reading = kSolutionFile;
+  if (!solution.open(kSolutionFile)) {
     return print("ErrorA01. File Open Error: Cannot find the solution file.\n", 1);
   }
   stage.what = "verifying";
-  stage.bytes = solution.size();
+  stage.bytes = solution.text().size();
   Options options;
   options.workers = workers_from_environment();
-  const Report report = verify(catalogue, solution, options);
+  const Report report = verify(*catalogue, solution.text(), options);
   if (report.outcome == Outcome::out_of_memory) throw std::bad_alloc();
   if (report.score_file) {
     int error = 0;

@@ -20,6 +20,7 @@
 #include "mining/score.h"
 #include "readers/catalogue.h"
 #include "readers/file_bytes.h"
+#include "readers/ship_assembly.h"
 #include "readers/solution_reader.h"
 
 namespace kavren {
@@ -123,9 +124,11 @@ struct Run : ShipSink {
     arc_options.inspect_steps = options.mode == Mode::all;
     arc_options.deadline = limit();
     arc_options.progress = options.progress;
-    pipeline = std::make_unique<ArcPipeline>(arc_options, findings.stop_at_first(), true);
+    arc_options.read_numbers = read_arc_numbers;
+    pipeline = std::make_unique<ArcPipeline>(arc_options, findings.stop_at_first());
 
-    if (!scan_solution(text, findings, num_ships, *this, limit())) {
+    // The arcs' lines stay in the text, read where each arc is verified.
+    if (!scan_solution(text, findings, num_ships, *this, limit(), true)) {
       // The ships read ahead do not stand.
       pipeline->cancel();
       ships.clear();

@@ -15,30 +15,31 @@ namespace {
 // The arc's lines as the walk sees them: file line index -> epoch and thrust magnitude.
 class ArcLines {
  public:
-  explicit ArcLines(const BurningArc& arc) : arc_(arc) {
-    // The walk stops at the last line actually stored, should the vectors hold fewer
+  explicit ArcLines(const BurningArc& arc, const ArcTable& table) : arc_(arc), table_(table) {
+    // The walk stops at the last line actually stored, should the table hold fewer
     // lines than first_line..last_line spans (the reader never builds such an arc).
-    const long long stored =
-        static_cast<long long>(std::min(arc.lines.size(), arc.values.size()));
-    last_ = std::min<long long>(arc.last_line, arc.first_line + stored - 1);
+    last_ = std::min<long long>(arc.last_line,
+                                arc.first_line + static_cast<long long>(table.size()) - 1);
   }
   long long first() const { return arc_.first_line; }
   long long last() const { return last_; }
-  double epoch(long long index) const { return arc_.values[offset(index)]; }
-  double magnitude(long long index) const { return V_norm(arc_.lines[offset(index)]); }
+  double epoch(long long index) const { return table_.epoch(offset(index)); }
+  double magnitude(long long index) const { return table_.magnitude(offset(index)); }
 
  private:
   std::size_t offset(long long index) const {
     return static_cast<std::size_t>(index - arc_.first_line);
   }
   const BurningArc& arc_;
+  const ArcTable& table_;
   long long last_;
 };
 
 class Walk {
  public:
-  Walk(const BurningArc& arc, ArcPhases& phases, Findings& findings, int ship)
-      : arc_(arc), lines_(arc), phases_(phases), f_(findings), ship_(ship) {}
+  Walk(const BurningArc& arc, const ArcTable& table, ArcPhases& phases, Findings& findings,
+       int ship)
+      : arc_(arc), lines_(arc, table), phases_(phases), f_(findings), ship_(ship) {}
 
   bool run();
 
@@ -87,7 +88,7 @@ bool Walk::run() {
   phases_.count = 0;
   phases_.starts.clear();
   phases_.ends.clear();
-  if (arc_.values.empty() || !(lines_.first() < lines_.last())) return true;
+  if (!(lines_.first() < lines_.last())) return true;
 
   long long i = lines_.first();
   bool inside = false;
@@ -159,8 +160,34 @@ bool Walk::run() {
 
 }  // namespace
 
+ArcTable::ArcTable(const BurningArc& arc)
+    : arc_(arc), size_(std::min(arc.lines.size(), arc.values.size())) {}
+
+ArcTable::ArcTable(const BurningArc& arc, const std::vector<double>& numbers)
+    : arc_(arc), numbers_(numbers.data()), size_(numbers.size() / 4) {}
+
+double ArcTable::thrust(std::size_t i, int axis) const {
+  if (numbers_ != nullptr) return numbers_[4 * i + 1 + static_cast<std::size_t>(axis)];
+  const std::vector<double>& line = arc_.lines[i];
+  return static_cast<std::size_t>(axis) < line.size() ? line[static_cast<std::size_t>(axis)]
+                                                       : 0.0;
+}
+
+double ArcTable::magnitude(std::size_t i) const {
+  if (numbers_ == nullptr) return V_norm(arc_.lines[i]);
+  const double* u = numbers_ + 4 * i + 1;
+  double sum = 0.0;
+  for (int k = 0; k < 3; ++k) sum += u[k] * u[k];
+  return std::sqrt(sum);
+}
+
 bool walk_thrust_table(const BurningArc& arc, ArcPhases& phases, Findings& findings, int ship) {
-  return Walk(arc, phases, findings, ship).run();
+  return walk_thrust_table(arc, ArcTable(arc), phases, findings, ship);
+}
+
+bool walk_thrust_table(const BurningArc& arc, const ArcTable& table, ArcPhases& phases,
+                       Findings& findings, int ship) {
+  return Walk(arc, table, phases, findings, ship).run();
 }
 
 }  // namespace kavren

@@ -23,14 +23,8 @@ constexpr int kMaxEval = 100000;
 constexpr double kNoCoastGap = 1e-13;  // TU: a smaller gap is not coasted
 constexpr double kDaysPerTU = kTU / kSecondsPerDay;
 
-double line_epoch(const BurningArc& arc, long long relative) {
-  return arc.values[static_cast<std::size_t>(relative)];
-}
-
-double thrust_component(const BurningArc& arc, long long relative, int axis) {
-  const std::vector<double>& line = arc.lines[static_cast<std::size_t>(relative)];
-  // A line holding fewer than three numbers thrusts zero along the missing axes.
-  return static_cast<std::size_t>(axis) < line.size() ? line[axis] : 0.0;
+double line_epoch(const ArcTable& table, long long relative) {
+  return table.epoch(static_cast<std::size_t>(relative));
 }
 
 void to_physical(const double* y, double* state) {
@@ -131,6 +125,7 @@ void integrate(Model& model, double* y, double& t, double tout, Findings& findin
 
 struct Legs {
   const BurningArc& arc;
+  const ArcTable& table;
   Findings& findings;
   ArcIntegration& run;
   double min_distance = std::numeric_limits<double>::infinity();
@@ -212,6 +207,7 @@ bool compare_end_state(const BurningArc& arc, const double* reached, Findings& f
 // The arc's legs in order; false when the arc cannot be compared (a timing fault or a
 // pass too close to the Sun) or the collector says to stop.
 bool integrate_legs(const BurningArc& arc, const ArcPhases& phases, Legs& legs, double* y) {
+  const ArcTable& table = legs.table;
   Findings& f = legs.findings;
   const int ship = legs.run.ship;
   double t = mjd_to_tu(arc.start_state.epoch);
@@ -226,7 +222,7 @@ bool integrate_legs(const BurningArc& arc, const ArcPhases& phases, Legs& legs, 
     legs.coast(y, t, tf, arc.start_state.line_index);
     return true;
   }
-  const long long stored = static_cast<long long>(std::min(arc.lines.size(), arc.values.size()));
+  const long long stored = static_cast<long long>(table.size());
   const long long segments = std::min<long long>(
       phases.count, static_cast<long long>(std::min(phases.starts.size(), phases.ends.size())));
   std::vector<double> block;
@@ -239,7 +235,7 @@ bool integrate_legs(const BurningArc& arc, const ArcPhases& phases, Legs& legs, 
     // (never the case for phases listed by the walk).
     if (n < 1 || s + 1 < 0 || e >= stored) continue;
 
-    const double ta = mjd_to_tu(line_epoch(arc, s + 1));
+    const double ta = mjd_to_tu(line_epoch(table, s + 1));
     const double gap = ta - t;
     if (gap <= kNoCoastGap) {
       const long long line = static_cast<long long>(phases.starts[k]) + 1;
@@ -247,7 +243,7 @@ bool integrate_legs(const BurningArc& arc, const ArcPhases& phases, Legs& legs, 
                    kArcOrderTolerance * kDaysPerTU, {line}, ship, [&] {
                      std::ostringstream text;
                      text << "Error003. Event Time Error on the line " << line
-                          << ": The start epoch of the burning arc is " << line_epoch(arc, s + 1)
+                          << ": The start epoch of the burning arc is " << line_epoch(table, s + 1)
                           << "(MJD), earlier than the end epoch of the previous event (or "
                              "burning arc).\n";
                      return text.str();
@@ -264,12 +260,12 @@ bool integrate_legs(const BurningArc& arc, const ArcPhases& phases, Legs& legs, 
     block[1] = static_cast<double>(n);
     for (long long p = 0; p < n; ++p) {
       const long long line = s + 1 + p;
-      block[static_cast<std::size_t>(2 + p)] = mjd_to_tu(line_epoch(arc, line));
+      block[static_cast<std::size_t>(2 + p)] = mjd_to_tu(line_epoch(table, line));
       for (int axis = 0; axis < 3; ++axis) {
-        block[static_cast<std::size_t>(2 + (axis + 1) * n + p)] = thrust_component(arc, line, axis);
+        block[static_cast<std::size_t>(2 + (axis + 1) * n + p)] = table.thrust(static_cast<std::size_t>(line), axis);
       }
     }
-    legs.thrust(block, y, t, mjd_to_tu(line_epoch(arc, e)));
+    legs.thrust(block, y, t, mjd_to_tu(line_epoch(table, e)));
   }
 
   const double gap = tf - t;
@@ -297,7 +293,12 @@ bool integrate_legs(const BurningArc& arc, const ArcPhases& phases, Legs& legs, 
 
 bool integrate_and_compare(const BurningArc& arc, const ArcPhases& phases, Findings& findings,
                            ArcIntegration& run) {
-  Legs legs{arc, findings, run};
+  return integrate_and_compare(arc, ArcTable(arc), phases, findings, run);
+}
+
+bool integrate_and_compare(const BurningArc& arc, const ArcTable& table, const ArcPhases& phases,
+                           Findings& findings, ArcIntegration& run) {
+  Legs legs{arc, table, findings, run};
   double y[kDim];
   bool comparable = false;
   if (run.trajectory != nullptr) {
@@ -336,7 +337,8 @@ void integrate_arc(const BurningArc& arc, int count, const std::vector<int>& sta
   Findings findings(true);
   ArcIntegration run;
   run.ship = arc.ship_number;
-  Legs legs{arc, findings, run};
+  const ArcTable table(arc);
+  Legs legs{arc, table, findings, run};
   double y[kDim];
   try {
     integrate_legs(arc, phases, legs, y);

@@ -31,6 +31,8 @@ struct ArcIntegration {
 // reached with its end state (Error201-203). False when the collector says to stop.
 bool integrate_and_compare(const BurningArc& arc, const ArcPhases& phases, Findings& findings,
                            ArcIntegration& run);
+bool integrate_and_compare(const BurningArc& arc, const ArcTable& table, const ArcPhases& phases,
+                           Findings& findings, ArcIntegration& run);
 
 // The integration alone, into reached; Error003, Error004 and Error101 end the run as in
 // the check. Scenario builders use it to write end states the check reproduces.

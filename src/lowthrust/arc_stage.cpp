@@ -28,21 +28,24 @@ struct ArcOutcome {
 };
 
 struct Job {
-  BurningArc* arc;
-  bool releasable;
+  const BurningArc* arc;
   std::size_t ship;  // index of the ship in the order added
   ArcOutcome outcome;
 };
 
+// `numbers` holds the numbers of an arc left in the text, reused from arc to arc.
 void check_one(const BurningArc& arc, bool stop_at_first, const ArcStageOptions& options,
-               ArcOutcome& outcome) {
+               std::vector<double>& numbers, ArcOutcome& outcome) {
   honour_deadline(options.deadline);
+  const bool in_text = !arc.text.empty() && options.read_numbers != nullptr;
+  if (in_text) options.read_numbers(arc, numbers);
+  const ArcTable table = in_text ? ArcTable(arc, numbers) : ArcTable(arc);
   outcome.findings =
       std::make_unique<Findings>(stop_at_first, Rule::thrust_magnitude, Rule::arc_mass);
   Findings& f = *outcome.findings;
   const int ship = arc.ship_number;
   ArcPhases phases;
-  const bool laid_out = walk_thrust_table(arc, phases, f, ship);
+  const bool laid_out = walk_thrust_table(arc, table, phases, f, ship);
   outcome.phases = phases.count;
   if (!laid_out) return;
   ArcIntegration run;
@@ -50,7 +53,7 @@ void check_one(const BurningArc& arc, bool stop_at_first, const ArcStageOptions&
   run.trajectory = options.trajectories ? &outcome.trajectory : nullptr;
   run.inspect_steps = options.inspect_steps;
   run.deadline = options.deadline;
-  integrate_and_compare(arc, phases, f, run);
+  integrate_and_compare(arc, table, phases, f, run);
   outcome.evaluations = run.evaluations;
 }
 
@@ -62,7 +65,6 @@ constexpr std::size_t kMaxQueued = 64;  // arcs waiting for a worker
 struct ArcPipeline::State {
   ArcStageOptions options;
   bool stop_at_first;
-  bool release_lines;
   int helpers_wanted;
   std::vector<int> ship_ids;  // of the ships added, in order (the adding thread only)
   std::vector<std::thread> helpers;
@@ -93,11 +95,11 @@ struct ArcPipeline::State {
     return &jobs[index];
   }
 
-  void run(Job& job, std::size_t index, std::size_t total) {
+  void run(Job& job, std::size_t index, std::size_t total, std::vector<double>& numbers) {
     if (index <= first_failed.load()) {
       bool failed = false;
       try {
-        check_one(*job.arc, stop_at_first, options, job.outcome);
+        check_one(*job.arc, stop_at_first, options, numbers, job.outcome);
         failed = job.outcome.findings->stopped();
       } catch (...) {
         job.outcome.error = std::current_exception();
@@ -108,31 +110,24 @@ struct ArcPipeline::State {
         while (index < seen && !first_failed.compare_exchange_weak(seen, index)) {
         }
       }
-      if (release_lines && job.releasable) {
-        std::vector<std::vector<double>>().swap(job.arc->lines);
-        std::vector<double>().swap(job.arc->values);
-      }
     }
     const std::size_t finished = done.fetch_add(1) + 1;
     if (options.progress) options.progress(finished, total);
   }
 
   void work() {
+    std::vector<double> numbers;
     std::size_t index = 0, total = 0;
-    while (Job* job = take(true, index, total)) run(*job, index, total);
-  }
-  void drain() {
-    std::size_t index = 0, total = 0;
-    while (Job* job = take(false, index, total)) run(*job, index, total);
+    while (Job* job = take(true, index, total)) run(*job, index, total, numbers);
   }
 
-  void add(BurningArc* first, std::size_t count, bool releasable, int ship_id) {
+  void add(const BurningArc* first, std::size_t count, int ship_id) {
     const std::size_t ship = ship_ids.size();
     ship_ids.push_back(ship_id);
     if (count == 0) return;
     {
       std::lock_guard<std::mutex> lock(mutex);
-      for (std::size_t k = 0; k < count; ++k) jobs.push_back(Job{first + k, releasable, ship, {}});
+      for (std::size_t k = 0; k < count; ++k) jobs.push_back(Job{first + k, ship, {}});
     }
     wake.notify_all();
     // Helpers start with the first arcs; without any, the adding thread does the work.
@@ -143,15 +138,13 @@ struct ArcPipeline::State {
         helpers_wanted = static_cast<int>(helpers.size());
       }
     }
-    if (helpers_wanted == 0) {
-      drain();
-      return;
-    }
-    // The reading does not run far ahead of the helpers: the arcs waiting, and their
-    // lines, stay few. Past that, the adding thread verifies arcs itself.
+    // The reading does not run far ahead of the helpers: the arcs waiting stay few. Past
+    // that, and without helpers at once, the adding thread verifies arcs itself.
+    const std::size_t queued = helpers_wanted == 0 ? 0 : kMaxQueued;
     std::size_t index = 0, total = 0;
-    while (Job* job = take(false, index, total, kMaxQueued)) run(*job, index, total);
+    while (Job* job = take(false, index, total, queued)) run(*job, index, total, own_numbers);
   }
+  std::vector<double> own_numbers;  // the adding thread's
 
   void stop() {
     {
@@ -167,24 +160,17 @@ struct ArcPipeline::State {
   }
 };
 
-ArcPipeline::ArcPipeline(const ArcStageOptions& options, bool stop_at_first, bool release_lines)
+ArcPipeline::ArcPipeline(const ArcStageOptions& options, bool stop_at_first)
     : state_(std::make_unique<State>()) {
   state_->options = options;
   state_->stop_at_first = stop_at_first;
-  state_->release_lines = release_lines;
   state_->helpers_wanted = std::max(options.workers, 1) - 1;
 }
 
 ArcPipeline::~ArcPipeline() { state_->stop(); }
 
-void ArcPipeline::add_ship(ShipClass& ship) {
-  state_->add(ship.burning_arcs.data(), ship.burning_arcs.size(), true, ship.ship_id);
-}
-
 void ArcPipeline::add_ship(const ShipClass& ship) {
-  // Never written through: the lines of a constant ship are not released.
-  state_->add(const_cast<BurningArc*>(ship.burning_arcs.data()), ship.burning_arcs.size(), false,
-              ship.ship_id);
+  state_->add(ship.burning_arcs.data(), ship.burning_arcs.size(), ship.ship_id);
 }
 
 void ArcPipeline::cancel() { state_->stop(); }
@@ -233,7 +219,7 @@ bool ArcPipeline::finish(Findings& findings, ArcStageResult& result) {
 
 bool check_arcs(const std::vector<ShipClass>& ships, Findings& findings,
                 const ArcStageOptions& options, ArcStageResult& result) {
-  ArcPipeline pipeline(options, findings.stop_at_first(), false);
+  ArcPipeline pipeline(options, findings.stop_at_first());
   for (const ShipClass& ship : ships) pipeline.add_ship(ship);
   return pipeline.finish(findings, result);
 }

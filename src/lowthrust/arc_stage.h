@@ -21,6 +21,8 @@ struct ArcStageOptions {
   bool inspect_steps = false;   // warn of steps that span several thrust-table points
   const DeadlineClock::time_point* deadline = nullptr;
   std::function<void(std::size_t done, std::size_t total)> progress;
+  // Reads the numbers of an arc whose lines are left in the text (BurningArc::text).
+  void (*read_numbers)(const BurningArc& arc, std::vector<double>& numbers) = nullptr;
 };
 
 struct ArcStageResult {
@@ -34,18 +36,16 @@ struct ArcStageResult {
 // Arcs verified while ships are still being added: each ship's arcs may start as soon
 // as the ship is added, on the worker threads (or, with one worker, on the caller's
 // thread at once); finish() puts every outcome back in file order. A ship's arcs must
-// stay where they are until finish() returns or the pipeline is gone; once verified,
-// an arc's lines are released when `release_lines` is set.
+// stay where they are, unchanged, until finish() returns or the pipeline is gone.
 class ArcPipeline {
  public:
-  ArcPipeline(const ArcStageOptions& options, bool stop_at_first, bool release_lines);
+  ArcPipeline(const ArcStageOptions& options, bool stop_at_first);
   ~ArcPipeline();  // stops the workers
   ArcPipeline(const ArcPipeline&) = delete;
   ArcPipeline& operator=(const ArcPipeline&) = delete;
 
   // The next ship in file order.
-  void add_ship(ShipClass& ship);
-  void add_ship(const ShipClass& ship);  // its lines are never released
+  void add_ship(const ShipClass& ship);
   // No outcome will be asked for: arcs not yet begun are not begun.
   void cancel();
   // Waits for every arc, then appends their findings in file order (ship by ship, arc

@@ -1,6 +1,9 @@
 #include "readers/file_bytes.h"
 
+#include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
 
@@ -40,6 +43,34 @@ bool read_file_bytes(const char* file_name, std::string& bytes) {
   }
   bytes.resize(used);
   std::fclose(file);
+  return true;
+}
+
+MappedFile::~MappedFile() {
+  if (map_ != nullptr) munmap(map_, mapped_);
+}
+
+bool MappedFile::open(const char* file_name) {
+  const int fd = ::open(file_name, O_RDONLY | O_CLOEXEC);
+  if (fd >= 0) {
+    struct stat info {};
+    if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0) {
+      const auto size = static_cast<std::size_t>(info.st_size);
+      void* map = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
+      if (map != MAP_FAILED) {
+        ::close(fd);
+        map_ = map;
+        mapped_ = size;
+        text_ = std::string_view(static_cast<const char*>(map), size);
+        return true;
+      }
+    }
+    ::close(fd);
+  }
+  // Not a regular file, empty, or not mapped: read it (a file that cannot be opened
+  // fails here as well).
+  if (!read_file_bytes(file_name, read_)) return false;
+  text_ = read_;
   return true;
 }
 

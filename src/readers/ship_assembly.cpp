@@ -12,18 +12,48 @@
 namespace kavren {
 namespace {
 
-// Numbers of pending arc lines kept before they are left in the text (65,536 lines).
-constexpr std::size_t kMaxPendingNumbers = 4u << 16;
-
 std::string_view token(const std::vector<std::string_view>& tokens, std::size_t k) {
   return k < tokens.size() ? tokens[k] : std::string_view();
 }
 
+// Calls f(epoch, ux, uy, uz) for each of `count` lines of `text` (lines split at line
+// breaks, each trimmed and tokenized as the reader does).
+template <class F>
+void for_each_arc_line(std::string_view text, std::size_t count, F&& f) {
+  std::vector<std::string_view> tokens;
+  const char* p = text.data();
+  const char* const end = p + text.size();
+  for (std::size_t n = 0; n < count && p <= end; ++n) {
+    const void* newline = std::memchr(p, '\n', static_cast<std::size_t>(end - p));
+    const char* stop = newline != nullptr ? static_cast<const char*>(newline) : end;
+    tokenize_line(trimmed_line(std::string_view(p, static_cast<std::size_t>(stop - p))), tokens);
+    f(parse_double(token(tokens, 2)), parse_double(token(tokens, 3)),
+      parse_double(token(tokens, 4)), parse_double(token(tokens, 5)));
+    p = stop + 1;
+  }
+}
+
+std::size_t line_count(const BurningArc& arc) {
+  return arc.first_line < 0 ? 0
+                            : static_cast<std::size_t>(static_cast<long long>(arc.last_line) -
+                                                       arc.first_line + 1);
+}
+
 }  // namespace
 
+void read_arc_numbers(const BurningArc& arc, std::vector<double>& numbers) {
+  numbers.clear();
+  for_each_arc_line(arc.text, line_count(arc), [&numbers](double t, double x, double y, double z) {
+    numbers.push_back(t);
+    numbers.push_back(x);
+    numbers.push_back(y);
+    numbers.push_back(z);
+  });
+}
+
 ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship, Findings& findings,
-                             std::string_view text)
-    : ordinal_(ordinal), ship_(ship), findings_(findings), text_end_(text.data() + text.size()) {
+                             std::string_view, bool arcs_in_text)
+    : ordinal_(ordinal), ship_(ship), findings_(findings), arcs_in_text_(arcs_in_text) {
   ship_.ship_id = ordinal;
 }
 
@@ -47,45 +77,14 @@ bool ShipAssembler::add_line(int index, std::string_view text,
     first_pending_ = false;
     return add_event_pair();
   }
-  // A burning-arc line: epoch and thrust vector.
+  // A burning-arc line: only where its text lies.
   if (arc_first_line_ < 0) {
     arc_first_line_ = index;
     arc_begin_ = text.data();
   }
   arc_last_line_ = index;
-  ++arc_count_;
-  if (arc_deferred_) return true;
-  if (arc_pending_.size() >= kMaxPendingNumbers) {
-    arc_deferred_ = true;
-    std::vector<double>().swap(arc_pending_);
-    return true;
-  }
-  for (std::size_t k = 2; k < 6; ++k) arc_pending_.push_back(parse_double(token(tokens, k)));
+  arc_end_ = text.data() + text.size();
   return true;
-}
-
-void ShipAssembler::take_arc_lines(BurningArc& arc) {
-  arc.values.reserve(arc_count_);
-  arc.lines.reserve(arc_count_);
-  if (!arc_deferred_) {
-    for (std::size_t k = 0; k + 3 < arc_pending_.size(); k += 4) {
-      arc.values.push_back(arc_pending_[k]);
-      arc.lines.push_back({arc_pending_[k + 1], arc_pending_[k + 2], arc_pending_[k + 3]});
-    }
-    return;
-  }
-  // The lines again, from where the first one's text starts, up to the end of the text.
-  const char* p = arc_begin_;
-  const char* const end = text_end_;
-  for (std::size_t n = 0; n < arc_count_ && p <= end; ++n) {
-    const char* newline = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
-    const char* stop = newline != nullptr ? newline : end;
-    tokenize_line(trimmed_line(std::string_view(p, static_cast<std::size_t>(stop - p))), tokens_);
-    arc.values.push_back(parse_double(token(tokens_, 2)));
-    arc.lines.push_back({parse_double(token(tokens_, 3)), parse_double(token(tokens_, 4)),
-                         parse_double(token(tokens_, 5))});
-    p = stop + 1;
-  }
 }
 
 void ShipAssembler::finish() { ship_.set_final_mass(previous_.mass); }
@@ -176,18 +175,26 @@ bool ShipAssembler::close_arc() {
   arc.end_epoch = first_.epoch;
   arc.start_state = previous_;
   arc.end_state = first_;
-  if (arc_count_ > 0) {
+  if (arc_first_line_ >= 0) {
     arc.first_line = arc_first_line_;
     arc.last_line = arc_last_line_;
-    take_arc_lines(arc);
+    arc.text = std::string_view(arc_begin_, static_cast<std::size_t>(arc_end_ - arc_begin_));
+    if (!arcs_in_text_) {
+      const std::size_t count = line_count(arc);
+      arc.values.reserve(count);
+      arc.lines.reserve(count);
+      for_each_arc_line(arc.text, count, [&arc](double t, double x, double y, double z) {
+        arc.values.push_back(t);
+        arc.lines.push_back({x, y, z});
+      });
+      arc.text = std::string_view();
+    }
   }
   ship_.burning_arcs.push_back(std::move(arc));
   arc_first_line_ = -1;
   arc_last_line_ = -1;
-  arc_count_ = 0;
   arc_begin_ = nullptr;
-  arc_deferred_ = false;
-  arc_pending_.clear();
+  arc_end_ = nullptr;
   return true;
 }
 

@@ -14,7 +14,10 @@ class ShipAssembler {
  public:
   // Ship number `ordinal` (1-based), written into `ship`; violations go to `findings`.
   // `text` is the whole solution, which the lines given to add_line are views into.
-  ShipAssembler(int ordinal, ShipClass& ship, Findings& findings, std::string_view text);
+  // With `arcs_in_text` each arc keeps its lines as text (BurningArc::text), which the
+  // solution must outlive; otherwise their numbers fill the arc's `lines` and `values`.
+  ShipAssembler(int ordinal, ShipClass& ship, Findings& findings, std::string_view text,
+                bool arcs_in_text = false);
 
   // One line of the ship: its 0-based file index, its trimmed text and the tokens of
   // that text. The first two are the launch pair; then event pairs with burning-arc
@@ -29,14 +32,12 @@ class ShipAssembler {
   bool record_event(int event_id);
   bool record_earth_drop(double mass_change);
   bool close_arc();
-  void take_arc_lines(BurningArc& arc);
 
   int ordinal_;
   ShipClass& ship_;
   Findings& findings_;
-  const char* text_end_;
+  bool arcs_in_text_;
   int lines_seen_ = 0;
-  std::vector<std::string_view> tokens_;  // of arc lines read again from the text
 
   StateStruct previous_;       // second line of the previous event pair
   bool first_pending_ = false;  // first line of a pair read, its second not yet
@@ -45,17 +46,19 @@ class ShipAssembler {
   StateStruct first_;
   StateStruct second_;
 
-  // Arc lines since the previous event pair, put into an exactly sized arc when the next
-  // pair closes it: their epoch and thrust, four numbers a line, up to a bound; past it
-  // only where they start, and they are read again from the text when the arc closes
-  // (lines after a ship's last event, which close no arc, then cost no memory).
+  // Arc lines since the previous event pair: only where their text starts and ends. The
+  // pair that closes the arc reads their numbers, or leaves them in the text; lines after
+  // a ship's last event, which close no arc, cost nothing.
   int arc_first_line_ = -1;
   int arc_last_line_ = -1;
-  std::size_t arc_count_ = 0;
   const char* arc_begin_ = nullptr;
-  bool arc_deferred_ = false;
-  std::vector<double> arc_pending_;
+  const char* arc_end_ = nullptr;
   std::vector<DmStructShip> group_;  // collections since the last Earth drop
 };
+
+// The numbers of an arc whose lines are left in the text: epoch, ux, uy, uz of each line
+// from first_line to last_line, four numbers a line, into `numbers` (reused: it is
+// resized, not reallocated once large enough). Read exactly as the reader reads them.
+void read_arc_numbers(const BurningArc& arc, std::vector<double>& numbers);
 
 }  // namespace kavren

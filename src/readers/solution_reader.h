@@ -30,9 +30,11 @@ class ShipSink {
 // to `sink` as soon as it is assembled. False when a line or the grouping of the file
 // ends the reading (every ship handed out is then void). Otherwise the ships stand; the
 // caller appends their assembly findings in order, up to one that ended the reading.
-// `num_ships` is the number of ships the file holds.
+// `num_ships` is the number of ships the file holds. With `arcs_in_text` the arcs keep
+// their lines as text (see ShipAssembler).
 bool scan_solution(std::string_view text, Findings& findings, int& num_ships, ShipSink& sink,
-                   const DeadlineClock::time_point* deadline = nullptr);
+                   const DeadlineClock::time_point* deadline = nullptr,
+                   bool arcs_in_text = false);
 
 // The solution's text read into ships. A structural fault of the file (its grammar, the
 // grouping of its lines) ends the reading: false. The epoch of a line outside the

@@ -2,6 +2,7 @@
 // which every check works. Epochs in MJD, positions km, velocities km/s, masses kg.
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "records/limits.h"
@@ -66,6 +67,10 @@ struct BurningArc {
   std::vector<double> values;              // epoch (MJD) of each arc line
   int first_line = -1;  // file line index of the first arc line, -1 for a pure coast
   int last_line = -1;   // inclusive; -1 for a pure coast
+  // The arc lines as written, from the first to the last, when the reader left them in
+  // the solution's text (which must then outlive the arc) instead of filling `lines` and
+  // `values`: their numbers are read where the arc is verified.
+  std::string_view text;
 };
 
 // One entry of a ship's resource bookkeeping.
