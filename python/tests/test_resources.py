@@ -76,16 +76,17 @@ def test_limits_return_a_report_without_verdict(demo, bench):
 
 def test_memory_that_cannot_be_had_raises_memory_error(bench):
     # In a child interpreter whose address space is capped a little above what it holds
-    # once the catalogue and the text are loaded: the 100-ship bench's records need more.
+    # once the catalogue and the text are loaded: the states along the arcs of four times
+    # the 100-ship bench need far more.
     program = f"""
-import resource, kavren
+import resource, kavren, numpy
 catalogue = kavren.Catalogue({str(bench / CATALOGUE)!r})
-text = open({str(bench / "Result.txt")!r}, "rb").read()
+text = open({str(bench / "Result.txt")!r}, "rb").read() * 4
 with open("/proc/self/statm") as statm:
     size = int(statm.read().split()[0]) * resource.getpagesize()
-resource.setrlimit(resource.RLIMIT_AS, (size + (4 << 20), resource.RLIM_INFINITY))
+resource.setrlimit(resource.RLIMIT_AS, (size + (8 << 20), resource.RLIM_INFINITY))
 try:
-    kavren.verify(text, catalogue, threads=1)
+    kavren.verify(text, catalogue, threads=1, trajectories=True)
 except MemoryError as e:
     print("MemoryError:", e)
 """
