@@ -101,6 +101,34 @@ TEST(AllMode, EpochFindingsNameTheirShip) {
   EXPECT_EQ(ships["Error002"], report.summary.ships);
 }
 
+// A structural fault of the file ends even a report of every finding: nothing read
+// ahead of it (ships, their events and arcs) stands.
+TEST(AllMode, StructuralFaultEndsTheReport) {
+  Scenario s = demo_scenario();
+  s.lines[s.lines.size() / 2] = "";
+  const Report report = run(s, Mode::all);
+  ASSERT_EQ(report.findings.size(), 1u);
+  EXPECT_EQ(report.findings[0].code, "ErrorA09");
+  EXPECT_TRUE(report.summary.per_ship.empty());
+}
+
+// The ships are checked each in a collector of its own, then appended: a rule that
+// passes on NaN in two ships is named once, at the first, as by one collector.
+TEST(AllMode, RulePassingOnNaNIsNamedOnce) {
+  Scenario s = demo_scenario();
+  const int second_launch = find_line(s.lines, 0, 10, 2);
+  for (int line : {0, 1, second_launch, second_launch + 1}) {
+    s.lines[static_cast<std::size_t>(line)] = with_token(s.lines[static_cast<std::size_t>(line)], 9, "nan");
+  }
+  const Report report = run(s, Mode::all);
+  std::map<std::string, int> named;
+  for (const Warning& w : report.warnings) {
+    if (w.kind == "nan-passes") ++named[w.rule];
+  }
+  ASSERT_GT(named.count("launch.mass"), 0u);
+  for (const auto& [rule, times] : named) EXPECT_EQ(times, 1) << rule;
+}
+
 TEST(Constraints, ValidDemoPassesEveryRuleWithRoomToSpare) {
   const Report report = run(demo_scenario(), Mode::all, true);
   ASSERT_TRUE(report.accepted);
