@@ -8,6 +8,7 @@
 
 #include "support/error_case.h"
 #include "kavren/verify.h"
+#include "records/findings.h"
 
 namespace kavren::test {
 namespace {
@@ -17,6 +18,9 @@ Report run(const Scenario& s, Mode mode, bool trajectories = false) {
   options.mode = mode;
   options.workers = 2;
   options.trajectories = trajectories;
+  // The demo's catalogue is read once.
+  static const Catalogue demo = Catalogue::from_text(demo_scenario().catalogue);
+  if (s.catalogue == demo_scenario().catalogue) return verify(demo, s.result_text(), options);
   return verify(Catalogue::from_text(s.catalogue), s.result_text(), options);
 }
 
@@ -127,6 +131,34 @@ TEST(AllMode, RulePassingOnNaNIsNamedOnce) {
   }
   ASSERT_GT(named.count("launch.mass"), 0u);
   for (const auto& [rule, times] : named) EXPECT_EQ(times, 1) << rule;
+}
+
+// An epoch that goes back falls short of its predecessor by the time it goes back: the
+// table's case sets a rendezvous one day before the one it follows.
+TEST(Margins, AnEpochGoingBackByADay) {
+  for (const ErrorCase& c : input_error_cases()) {
+    if (c.name != "Error005_RendezvousBeforePreviousOne") continue;
+    Scenario s = demo_scenario();
+    c.make(s);
+    const Report report = run(s, Mode::first);
+    ASSERT_EQ(report.findings.size(), 1u);
+    EXPECT_EQ(report.findings[0].code, "Error005");
+    EXPECT_NEAR(report.findings[0].margin, -1.0, 1e-9);
+    return;
+  }
+  FAIL() << "no such case";
+}
+
+// A limit met within a thousandth of its size is named with the line it is met on.
+TEST(Warnings, NearLimitNamesItsLine) {
+  for (long long line : {0LL, 1LL, 7LL}) {
+    Findings found(false);
+    found.evaluate(Rule::thrust_magnitude, true, 0.59999, 0.6, line, 1);
+    const std::vector<Warning> warnings = found.warnings();
+    ASSERT_EQ(warnings.size(), 1u);
+    EXPECT_EQ(warnings[0].kind, "near-limit");
+    EXPECT_EQ(warnings[0].lines, line > 0 ? std::vector<long long>{line} : std::vector<long long>{});
+  }
 }
 
 TEST(Constraints, ValidDemoPassesEveryRuleWithRoomToSpare) {

@@ -68,6 +68,9 @@ TEST(Fehlberg78Tableau, CouplingConditionsHold) {
 TEST(RKUtilities, EdgesStayDefined) {
   EXPECT_TRUE(std::isnan(RK::Max(NAN, 2.0)));
   EXPECT_EQ(RK::Max(0.0, NAN), 0.0);
+  // Ties take b: +0 and -0 tell which.
+  EXPECT_FALSE(std::signbit(RK::Max(-0.0, 0.0)));
+  EXPECT_TRUE(std::signbit(RK::Min(0.0, -0.0)));
   EXPECT_EQ(RK::CopySign(-2147483647 - 1, 1), 2147483647);
   EXPECT_EQ(RK::CopySign(-3.0, 0.0), 3.0);  // a zero sign counts as positive
   EXPECT_TRUE(std::signbit(RK::CopySign(0.0, -1.0)));

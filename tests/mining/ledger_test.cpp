@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 TEST(MiningPair, DeliversOnlyWhenEveryRuleHolds) {
@@ -20,6 +22,9 @@ TEST(MiningPair, DeliversOnlyWhenEveryRuleHolds) {
       {"MinerOfThirtyNineKilograms", 400.0, -39.0, 5.0, 500.0, 0},
       {"NothingCollected", 400.0, -40.0, 0.0, 500.0, 0},
       {"MoreThanTenKilogramsAYear", 400.0, -40.0, 11.0, 500.0, 0},
+      // A year's ten kilograms and the one-gram tolerance may be collected, not a bit more.
+      {"ExactlyTheYearsAllowance", 365.25, -40.0, 10.0 + 0.001, 500.0, 1},
+      {"JustAboveTheYearsAllowance", 365.25, -40.0, std::nextafter(10.0 + 0.001, 11.0), 500.0, 0},
   };
   for (const Case& c : cases) {
     DmStructAsteroid record;

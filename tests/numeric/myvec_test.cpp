@@ -109,6 +109,7 @@ TEST(MyVec, EdgesOfSizeAndValue) {
   const MyVec six(10.0, 20.0, 30.0, 40.0, 50.0, 60.0);
   EXPECT_EQ(elements(three + six), Elems({11.0, 22.0, 33.0}));
   EXPECT_TRUE(three == MyVec(1.0, 2.0, 3.0, 99.0, 99.0, 99.0));
+  EXPECT_EQ(elements(MyVec(1.0, 2.0, 3.0, 4.0, 5.0, 6.0, 7.0)), Elems({1, 2, 3, 4, 5, 6, 7}));
   EXPECT_TRUE(std::isnan((six - three)[4]));
   EXPECT_TRUE(std::isnan(six.Dot(three)));
   // Self-assignment and a replacement from the vector's own array.

@@ -119,6 +119,7 @@ const TokenRow kTokenRows[] = {
     {"Error002_LastLineAfterMissionEnd", kIndex, -1, 2, "69807.001"},
     {"Error002_ArcEpochAfterMissionEnd", kIndex, 4, 2, "70000"},
     {"ErrorA23_TwoAsteroidsInOnePair", 975, 1, 1, "976"},
+    {"ErrorA23_LastCatalogueIdInAnotherAsteroidsPair", 975, 1, 1, "60000"},
     // No excess speed can be told, and the ship drops resources: refused.
     {"Error806_NanVelocityAtEarthDrop", -3, 0, 6, "nan"},
 };
