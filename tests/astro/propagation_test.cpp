@@ -76,7 +76,7 @@ TEST(StatePropagation, AgreesWithNumericalIntegration) {
     int flag = -1;
     if (!cartesian) coe2rv(flag, rv0, c.coe, mu);
     std::copy(rv0, rv0 + 6, rv_ref);
-    rk4(Gravity{mu}, rv_ref, c.dt, 20000);
+    rk4<6>(Gravity{mu}, 0.0, c.dt, 20000, rv_ref);
     if (!cartesian) {
       double coe_t[6];
       coe02coef(flag, coe_t, c.coe, c.dt, mu);
@@ -163,6 +163,8 @@ TEST(StatePropagation, RefusalsLeaveTheOutputUntouched) {
   coe02coef(flag, out, coe_beyond, 100.0, kMuSun);
   EXPECT_EQ(flag, 0);
   EXPECT_EQ(out[5], 150.0 * kDeg);
+  EXPECT_EQ(f0ft2dt(flag, 0.0, 2.5, kAU, 2.0, kMuSun), 0.0);  // the asymptote is at 2.094
+  EXPECT_EQ(flag, 0);
   const double rv_zero_mu[6] = {kAU, 0.0, 0.0, 0.0, 30.0, 0.0};
   double rv_out[6] = {9, 9, 9, 9, 9, 9};
   rv02rvf(flag, rv_out, rv_zero_mu, 100.0, -1.0);

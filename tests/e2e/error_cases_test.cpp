@@ -32,14 +32,9 @@ void add_precedence_cases(std::vector<ErrorCase>& cases) {
       // Within one ship: its launch before the balance of its resources.
       {"Error501_LaunchSecondEpoch", "Error801_DropShortOfCollections"},
   };
-  auto find = [&cases](const char* name) {
-    for (const ErrorCase& c : cases) {
-      if (c.name == name) return c;
-    }
-    throw std::runtime_error(std::string("no case ") + name);
-  };
   for (const auto& pair : pairs) {
-    const ErrorCase earlier = find(pair.earlier_stage), later = find(pair.later_stage);
+    const ErrorCase earlier = case_named(pair.earlier_stage);
+    const ErrorCase later = case_named(pair.later_stage);
     cases.push_back({earlier.name + "_Before_" + later.name, earlier.code,
                      [earlier, later](Scenario& s) {
                        later.make(s);
@@ -49,9 +44,7 @@ void add_precedence_cases(std::vector<ErrorCase>& cases) {
 }
 
 std::vector<ErrorCase> all_cases() {
-  std::vector<ErrorCase> cases = input_error_cases();
-  for (ErrorCase& c : event_error_cases()) cases.push_back(std::move(c));
-  for (ErrorCase& c : physics_error_cases()) cases.push_back(std::move(c));
+  std::vector<ErrorCase> cases = all_error_cases();
   add_precedence_cases(cases);
   return cases;
 }

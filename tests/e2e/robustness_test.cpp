@@ -214,9 +214,6 @@ std::vector<LineEdit> line_edits() {
          }
        },
        ""},
-      {"AsteroidIdBeyondTheCatalogue",
-       [=](Lines& l) { l[visit] = with_token(l[visit], 1, "60001"); },
-       "ErrorA10. File Format Error on the line15: The event ID is unreasonable.\n"},
       // 2^32 reads as 0, a launch: one launch line too many.
       {"AsteroidIdTwoToThe32", [=](Lines& l) { l[visit] = with_token(l[visit], 1, "4294967296"); },
        "ErrorA13. File Format Error: The number of mining ships does not match the number of "

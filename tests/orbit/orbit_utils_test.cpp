@@ -63,7 +63,7 @@ Mismatch integrate_against_model(const double* osc0, double J2) {
   const double dt = 2.0 * kTwoPi / n / 40;
   Mismatch m;
   for (int s = 1; s <= 40; ++s) {
-    rk4(Gravity{kMuEarth, J2, kReqEarth}, y, dt, 30);
+    rk4<6>(Gravity{kMuEarth, J2, kReqEarth}, 0.0, dt, 30, y);
     double numeric[6], mean_t[6], model[6];
     elements_of(y, numeric);
     for (int k = 0; k < 6; ++k) mean_t[k] = mean0[k] + rate[k] * s * dt;
@@ -196,7 +196,7 @@ TEST(DynFun, TwoBodyAcceleration) {
   const double y[6] = {0.0, 3.0, 4.0, -1.0, 0.5, 2.0};
   double dy[6], expected[6];
   DynFun(0.0, y, dy, mu);
-  Gravity{4.0}(y, expected);
+  Gravity{4.0}(0.0, y, expected);
   for (int k = 0; k < 6; ++k) EXPECT_DOUBLE_EQ(dy[k], expected[k]) << k;
 }
 

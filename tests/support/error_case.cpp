@@ -113,6 +113,21 @@ int find_line(const std::vector<std::string>& lines, int id, int count, int from
   throw std::runtime_error("no line with event ID " + std::to_string(id));
 }
 
+std::vector<ErrorCase> all_error_cases() {
+  std::vector<ErrorCase> cases = input_error_cases();
+  for (ErrorCase& c : event_error_cases()) cases.push_back(std::move(c));
+  for (ErrorCase& c : physics_error_cases()) cases.push_back(std::move(c));
+  return cases;
+}
+
+ErrorCase case_named(const std::string& name) {
+  static const std::vector<ErrorCase> cases = all_error_cases();
+  for (const ErrorCase& c : cases) {
+    if (c.name == name) return c;
+  }
+  throw std::runtime_error("no case " + name);
+}
+
 int pair_line(const Scenario& s, int id, int nth) {
   if (nth < 0) {
     for (int i = static_cast<int>(s.lines.size()) - 1; i > 0; --i) {

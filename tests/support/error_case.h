@@ -94,5 +94,8 @@ std::vector<ErrorCase> input_error_cases();    // Error000, ErrorA00-A02, A03:, 
                                                // Error001, Error002, Error005
 std::vector<ErrorCase> event_error_cases();    // Error5xx-7xx: launch, flyby, rendezvous
 std::vector<ErrorCase> physics_error_cases();  // arcs, mining, ship count, score file
+// The three lists in that order, and one case of them by name (throws when absent).
+std::vector<ErrorCase> all_error_cases();
+ErrorCase case_named(const std::string& name);
 
 }  // namespace kavren::test

@@ -4,13 +4,13 @@
 #include <array>
 #include <cmath>
 
+#include "support/two_body.h"
+
 namespace kavren::test {
 
 namespace {
 
 // Canonical units of the integration: lengths in AU, the Sun's parameter 1.
-constexpr double kAU = 149597870.691;          // km
-constexpr double kMuSun = 132712440018.0;      // km^3/s^2
 const double kTimeUnit = std::sqrt(kAU * kAU * kAU / kMuSun);  // s
 const double kSpeedUnit = kAU / kTimeUnit;                     // km/s
 constexpr double kDay = 86400.0;               // s
@@ -62,24 +62,6 @@ void thrust_dynamics(const std::vector<double>& x, const std::vector<std::array<
   dy[6] = -std::sqrt(f[0] * f[0] + f[1] * f[1] + f[2] * f[2]) * 1e-3 / kExhaustSpeed * kTimeUnit;
 }
 
-// Classical RK4 from a to b in `steps` equal steps.
-void rk4(const std::vector<double>& x, const std::vector<std::array<double, 3>>& u, double a,
-         double b, int steps, double* y) {
-  const double h = (b - a) / steps;
-  for (int s = 0; s < steps; ++s) {
-    const double t = a + s * h;
-    double k1[7], k2[7], k3[7], k4[7], z[7];
-    thrust_dynamics(x, u, t, y, k1);
-    for (int i = 0; i < 7; ++i) z[i] = y[i] + 0.5 * h * k1[i];
-    thrust_dynamics(x, u, t + 0.5 * h, z, k2);
-    for (int i = 0; i < 7; ++i) z[i] = y[i] + 0.5 * h * k2[i];
-    thrust_dynamics(x, u, t + 0.5 * h, z, k3);
-    for (int i = 0; i < 7; ++i) z[i] = y[i] + h * k3[i];
-    thrust_dynamics(x, u, t + h, z, k4);
-    for (int i = 0; i < 7; ++i) y[i] += h / 6.0 * (k1[i] + 2.0 * k2[i] + 2.0 * k3[i] + k4[i]);
-  }
-}
-
 // A thrust phase from its first to its last table point. Each table interval is taken in
 // whole steps (the thrust is one cubic inside it), at two step sizes, and the fourth-order
 // error is extrapolated away.
@@ -89,8 +71,9 @@ void thrust_phase(const std::vector<double>& x, const std::vector<std::array<dou
     double coarse[7], fine[7];
     std::copy(y, y + 7, coarse);
     std::copy(y, y + 7, fine);
-    rk4(x, u, x[i], x[i + 1], 48, coarse);
-    rk4(x, u, x[i], x[i + 1], 96, fine);
+    const auto f = [&](double t, const double* z, double* dz) { thrust_dynamics(x, u, t, z, dz); };
+    rk4<7>(f, x[i], x[i + 1] - x[i], 48, coarse);
+    rk4<7>(f, x[i], x[i + 1] - x[i], 96, fine);
     for (int k = 0; k < 7; ++k) y[k] = fine[k] + (fine[k] - coarse[k]) / 15.0;
   }
 }

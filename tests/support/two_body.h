@@ -1,5 +1,5 @@
 // Independent references for the orbit toolkit's tests: the relative-error judges, seeded
-// random states and a plain fixed-step RK4 on a six-element state.
+// random states and a plain fixed-step RK4.
 #pragma once
 
 #include <algorithm>
@@ -46,7 +46,7 @@ inline std::string show(const double* x, int n = 6) {
 // Point mass mu plus the zonal term J2 of a body of radius R (J2 = 0: two-body motion).
 struct Gravity {
   double mu, J2 = 0.0, R = 0.0;
-  void operator()(const double* y, double* dy) const {
+  void operator()(double, const double* y, double* dy) const {
     const double r2 = y[0] * y[0] + y[1] * y[1] + y[2] * y[2];
     const double zr2 = y[2] * y[2] / r2;
     const double k = 1.5 * J2 * R * R / r2;
@@ -58,19 +58,21 @@ struct Gravity {
   }
 };
 
-// n classical RK4 steps over dt.
-inline void rk4(const Gravity& f, double* y, double dt, int n) {
+// n classical RK4 steps of y' = f(t, y) (Dim components) from t0 over dt.
+template <int Dim, class F>
+void rk4(const F& f, double t0, double dt, int n, double* y) {
   const double h = dt / n;
   for (int s = 0; s < n; ++s) {
-    double k1[6], k2[6], k3[6], k4[6], tmp[6];
-    f(y, k1);
-    for (int j = 0; j < 6; ++j) tmp[j] = y[j] + 0.5 * h * k1[j];
-    f(tmp, k2);
-    for (int j = 0; j < 6; ++j) tmp[j] = y[j] + 0.5 * h * k2[j];
-    f(tmp, k3);
-    for (int j = 0; j < 6; ++j) tmp[j] = y[j] + h * k3[j];
-    f(tmp, k4);
-    for (int j = 0; j < 6; ++j) y[j] += h / 6.0 * (k1[j] + 2.0 * k2[j] + 2.0 * k3[j] + k4[j]);
+    const double t = t0 + s * h;
+    double k1[Dim], k2[Dim], k3[Dim], k4[Dim], z[Dim];
+    f(t, y, k1);
+    for (int j = 0; j < Dim; ++j) z[j] = y[j] + 0.5 * h * k1[j];
+    f(t + 0.5 * h, z, k2);
+    for (int j = 0; j < Dim; ++j) z[j] = y[j] + 0.5 * h * k2[j];
+    f(t + 0.5 * h, z, k3);
+    for (int j = 0; j < Dim; ++j) z[j] = y[j] + h * k3[j];
+    f(t + h, z, k4);
+    for (int j = 0; j < Dim; ++j) y[j] += h / 6.0 * (k1[j] + 2.0 * k2[j] + 2.0 * k3[j] + k4[j]);
   }
 }
 
