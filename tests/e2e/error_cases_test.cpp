@@ -5,7 +5,6 @@
 #include <cmath>
 #include <regex>
 #include <set>
-#include <stdexcept>
 #include <string>
 
 #include "support/error_case.h"
