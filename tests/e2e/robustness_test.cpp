@@ -32,9 +32,9 @@ constexpr const char* kOneLaunchOnlyShip =
     "The number of mined asteroids is 0 ;\n"
     "The total resource mass is 0 kg.\n";
 
-std::string joined(const std::vector<std::string>& lines, const std::string& end = "\n") {
+std::string joined(const std::vector<std::string>& lines) {
   std::string text;
-  for (const std::string& line : lines) text += line + end;
+  for (const std::string& line : lines) text += line + "\n";
   return text;
 }
 
