@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
-#include "records/limits.h"
+#include "mining/ship_ledger.h"
 
 namespace kavren {
 namespace {
@@ -43,24 +43,15 @@ Summary summarise(const std::vector<ShipClass>& ships, int num_ships,
     row.ship = ship.ship_id;
     row.launch_epoch = ship.launch.state_before.epoch;
     row.final_mass = ship.final_mass;
-    for (const VisitClass& visit : ship.visits) {
-      if (visit.mass_change < 0.0) {
-        ++row.miners;
-      } else {
-        row.resources += visit.mass_change;
-      }
-    }
-    for (auto group = ship.dm_groups.rbegin(); group != ship.dm_groups.rend(); ++group) {
-      if (!group->empty()) {
-        row.last_drop_epoch = group->back().epoch;
-        break;
-      }
-    }
+    const MiningTally tally = tally_mining(ship);
+    row.miners = tally.miners;
+    row.resources = tally.collected;
+    if (tally.last_drop_epoch) row.last_drop_epoch = *tally.last_drop_epoch;
     row.thrust_phases = s < thrust_phases.size() ? thrust_phases[s] : 0;
     row.events.push_back(mark("launch", ship.launch.body_id, ship.launch.state_before));
     for (const FlybyClass& flyby : ship.flybys) {
-      const bool drop = flyby.body_id == -3 && flyby.mass_change < -kMassTolerance;
-      row.events.push_back(mark(drop ? "drop" : "flyby", flyby.body_id, flyby.state_before));
+      row.events.push_back(
+          mark(flyby.drop ? "drop" : "flyby", flyby.body_id, flyby.state_before));
     }
     for (const VisitClass& visit : ship.visits) {
       row.events.push_back(mark("rendezvous", visit.body_id, visit.state_before));

@@ -39,18 +39,29 @@ bool check_resource_balance(ShipClass& ship, Findings& findings) {
   return true;
 }
 
-bool check_miner_count(ShipClass& ship, Findings& findings) {
-  ship.num_miners = 0;
-  ship.mass_collected = 0.0;
+MiningTally tally_mining(const ShipClass& ship) {
+  MiningTally tally;
   for (const VisitClass& visit : ship.visits) {
-    if (visit.mass_change < 0.0) {
-      // A miner is left behind. The count saturates instead of overflowing; anything
-      // past the limit fails alike.
-      if (ship.num_miners < INT_MAX) ++ship.num_miners;
+    if (visit.leaves_miner()) {
+      if (tally.miners < INT_MAX) ++tally.miners;
     } else {
-      ship.mass_collected += visit.mass_change;
+      tally.collected += visit.mass_change;
     }
   }
+  // Groups without entries hold no drop and are passed over.
+  for (auto group = ship.dm_groups.rbegin(); group != ship.dm_groups.rend(); ++group) {
+    if (!group->empty()) {
+      tally.last_drop_epoch = group->back().epoch;
+      break;
+    }
+  }
+  return tally;
+}
+
+bool check_miner_count(ShipClass& ship, Findings& findings) {
+  const MiningTally tally = tally_mining(ship);
+  ship.num_miners = tally.miners;
+  ship.mass_collected = tally.collected;
   return findings.check(
       Rule::miners_per_ship, !(ship.num_miners > kMaxMinersPerShip), ship.num_miners,
       kMaxMinersPerShip, {}, ship.ship_id, [&] {
@@ -73,15 +84,9 @@ bool check_dry_mass(const ShipClass& ship, Findings& findings) {
 
 }  // namespace kavren
 
-// The last drop at the Earth closes the ship's last group. Groups without entries hold no
-// drop and are passed over; without any entry the mission's start stays.
+// Without a drop the mission's start stays.
 void ShipClass::calculate_time_of_LRE() {
-  for (auto group = dm_groups.rbegin(); group != dm_groups.rend(); ++group) {
-    if (!group->empty()) {
-      time_of_LRE = group->back().epoch;
-      return;
-    }
-  }
+  if (const auto epoch = kavren::tally_mining(*this).last_drop_epoch) time_of_LRE = *epoch;
 }
 
 bool ShipClass::check_dm() {

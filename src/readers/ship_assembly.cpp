@@ -139,6 +139,7 @@ bool ShipAssembler::record_earth_drop(double mass_change) {
   const long long line = printed_line(first_.line_index);
   if (vinf <= kMaxExcessSpeed) {
     findings_.evaluate(Rule::drop_speed, true, vinf, kMaxExcessSpeed, line, ordinal_);
+    ship_.flybys.back().drop = true;
     group_.push_back(DmStructShip{second_.line_index, mass_change, first_.epoch});
     ship_.dm_groups.push_back(std::move(group_));
     group_.clear();

@@ -37,6 +37,10 @@ struct FlybyClass {
   StateStruct state_after;
   double mass_change = 0.0;     // second line's mass minus first line's
   double vinf_magnitude = 0.0;  // incoming excess speed, written by a passing check_flyby
+  // Set by the reader: an Earth flyby slow enough to drop resources. It closes a group of
+  // the ship's ledger whatever its mass change; the ledger, the summary and the report
+  // read this mark and nothing else.
+  bool drop = false;
 
   bool check_2lines_trm() const;
   bool check_r_ifequal2Star() const;
@@ -50,6 +54,10 @@ struct VisitClass {
   StateStruct state_before;
   StateStruct state_after;
   double mass_change = 0.0;  // positive: resources taken on; negative: miner left behind
+
+  // A miner is left behind when the mass falls; otherwise (zero included) resources are
+  // taken on.
+  bool leaves_miner() const { return mass_change < 0.0; }
 
   bool check_2lines_trv() const;
   bool check_rv_ifequal2asteroid() const;

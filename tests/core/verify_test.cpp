@@ -3,6 +3,7 @@
 // (Many threads at once: tests/core/soak_test.cpp.)
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 
@@ -135,6 +136,40 @@ TEST(AllMode, RulePassingOnNaNIsNamedOnce) {
 
 // An epoch that goes back falls short of its predecessor by the time it goes back: the
 // table's case sets a rendezvous one day before the one it follows.
+// A slow Earth flyby closes a group of the ship's ledger whatever its mass change: the
+// demo has such flybys without a mass change after the ships' last real drops, and here
+// every real drop is also made one without. The summary must call each a drop, and its
+// last drop must be the last event it lists as one.
+TEST(Summary, AnEarthDropIsWhatTheLedgerCountsAsOne) {
+  Scenario s = demo_scenario();
+  std::vector<int> zeroed;  // 1-based lines of the drops made without a mass change
+  for (std::size_t k = 1; k < s.lines.size(); ++k) {
+    const std::vector<std::string> a = tokens_of(s.lines[k - 1]), b = tokens_of(s.lines[k]);
+    if (a.size() == 10 && b.size() == 10 && a[1] == "-3" && b[1] == "-3" && a[0] == b[0] &&
+        token(s.lines[k], 9) < token(s.lines[k - 1], 9)) {
+      s.lines[k] = with_token(s.lines[k], 9, a[9]);
+      zeroed.push_back(static_cast<int>(k));
+    }
+  }
+  ASSERT_FALSE(zeroed.empty());
+  const Report report = run(s, Mode::all);
+  std::size_t listed = 0;
+  for (const ShipSummary& ship : report.summary.per_ship) {
+    double last_listed = kNotANumber;
+    for (const EventMark& e : ship.events) {
+      if (e.kind != "drop") continue;
+      last_listed = e.epoch;
+      listed += std::count(zeroed.begin(), zeroed.end(), e.line);
+    }
+    if (std::isnan(last_listed)) {
+      EXPECT_TRUE(std::isnan(ship.last_drop_epoch)) << "ship " << ship.ship;
+    } else {
+      EXPECT_EQ(ship.last_drop_epoch, last_listed) << "ship " << ship.ship;
+    }
+  }
+  EXPECT_EQ(listed, zeroed.size());
+}
+
 TEST(Margins, AnEpochGoingBackByADay) {
   Scenario s = demo_scenario();
   case_named("Error005_RendezvousBeforePreviousOne").make(s);
