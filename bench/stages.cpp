@@ -72,7 +72,7 @@ int main(int argc, char** argv) {
   const int repetitions = argc > 2 ? std::max(1, std::atoi(argv[2])) : 5;
   const std::string mode = argc > 3 ? argv[3] : "first";
   kavren::Options options;
-  options.workers = kavren::workers_from_environment();
+  options.workers = kavren::workers_from_text(std::getenv("KAVREN_THREADS"));
   options.mode = mode == "first" ? kavren::Mode::first : kavren::Mode::all;
   options.trajectories = mode == "trajectories";
 

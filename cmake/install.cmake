@@ -8,7 +8,7 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-set(KAVREN_VERSION 0.9.0)
+set(KAVREN_VERSION ${PROJECT_VERSION})
 
 # The library links into the Python module (a shared object) and into consumers'
 # position-independent executables.

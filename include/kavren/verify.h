@@ -69,7 +69,15 @@ struct Options {
 Report verify(const Catalogue& catalogue, std::string_view solution_text,
               const Options& options = {});
 
-// The library's version, "major.minor.patch".
+// The number of threads a setting such as the environment's KAVREN_THREADS asks for: a
+// positive whole number in decimal, at most kMaxWorkers. Anything else (null, empty, zero,
+// negative, other characters) leaves the choice to the machine: default_workers().
+constexpr int kMaxWorkers = 256;
+int workers_from_text(const char* text);
+// One worker per hardware thread, at most kMaxWorkers; one when the machine does not say.
+int default_workers();
+
+// The library's version, "major.minor.patch": the project's version.
 const char* version();
 
 }  // namespace kavren

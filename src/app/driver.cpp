@@ -112,7 +112,7 @@ int verify_files(Stage& stage) {
   stage.what = "verifying";
   stage.bytes = solution.text().size();
   Options options;
-  options.workers = workers_from_environment();
+  options.workers = workers_from_text(std::getenv("KAVREN_THREADS"));
   held.report = verify(*catalogue, solution.text(), options);
   const Report& report = held.report;
   if (report.outcome == Outcome::out_of_memory) throw std::bad_alloc();
@@ -133,16 +133,6 @@ int verify_files(Stage& stage) {
 }
 
 }  // namespace
-
-int workers_from_environment() {
-  if (const char* text = std::getenv("KAVREN_THREADS")) {
-    char* end = nullptr;
-    const long n = std::strtol(text, &end, 10);
-    if (end != text && *end == '\0' && n > 0) return static_cast<int>(std::min(n, 256L));
-  }
-  const unsigned hardware = std::thread::hardware_concurrency();
-  return hardware == 0 ? 1 : static_cast<int>(std::min(hardware, 256u));
-}
 
 int run_checker(int argc) {
   // Only the argument count matters: any argument is refused before anything is read.

@@ -7,8 +7,4 @@ namespace kavren {
 // The whole run; returns the process exit status.
 int run_checker(int argc);
 
-// Arc workers: KAVREN_THREADS when it holds a positive number (at most 256), else one
-// per hardware thread.
-int workers_from_environment();
-
 }  // namespace kavren

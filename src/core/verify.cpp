@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <sstream>
@@ -42,11 +43,6 @@ Catalogue Catalogue::from_text(std::string_view text) {
 }
 
 namespace {
-
-int default_workers() {
-  const unsigned hardware = std::thread::hardware_concurrency();
-  return hardware == 0 ? 1 : static_cast<int>(std::min(hardware, 256u));
-}
 
 // The stages, with the verdict of checking them one after the other: the lines, the
 // grouping, each ship's assembly, each ship's events, the mining ledger, the arcs, the
@@ -226,6 +222,21 @@ Report verify(const Catalogue& catalogue, std::string_view solution_text, const 
   return report;
 }
 
-const char* version() { return "1.0.0"; }
+int default_workers() {
+  const unsigned hardware = std::thread::hardware_concurrency();
+  return hardware == 0 ? 1 : static_cast<int>(std::min(hardware, static_cast<unsigned>(kMaxWorkers)));
+}
+
+int workers_from_text(const char* text) {
+  if (text != nullptr && *text != '\0') {
+    char* end = nullptr;
+    // A number too large for a long reads as the largest long: the cap.
+    const long n = std::strtol(text, &end, 10);
+    if (*end == '\0' && n > 0) return static_cast<int>(std::min<long>(n, kMaxWorkers));
+  }
+  return default_workers();
+}
+
+const char* version() { return KAVREN_VERSION; }
 
 }  // namespace kavren

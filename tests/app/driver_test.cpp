@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <thread>
 #include <utility>
 
-#include "app/driver.h"
+#include "kavren/verify.h"
 #include "core/summary.h"
 
 namespace {
@@ -19,22 +18,19 @@ TEST(Summary, UsesTheStreamsDefaultSixDigitFormat) {
   EXPECT_NE(kavren::summary_text(1, 0, 1234567.0).find("The total resource mass is 1.23457e+06 kg.\n"), std::string::npos);
 }
 
-// KAVREN_THREADS names the arc workers: a positive whole number, at most 256; anything
-// else leaves the choice to the machine.
+// KAVREN_THREADS names the workers of every program: a positive whole number, at most
+// 256; anything else leaves the choice to the machine.
 TEST(Workers, KavrenThreadsIsAPositiveWholeNumber) {
-  const char* before = std::getenv("KAVREN_THREADS");
-  const std::string kept = before ? before : "";
   const unsigned cores = std::thread::hardware_concurrency();
   const int machine = cores == 0 ? 1 : static_cast<int>(cores < 256 ? cores : 256);
+  EXPECT_EQ(kavren::default_workers(), machine);
   const std::pair<const char*, int> cases[] = {
-      {"3", 3}, {"1000", 256}, {"0", machine}, {"-2", machine}, {"", machine}, {"3x", machine}};
+      {"3", 3},        {"256", 256},   {"257", 256},         {"99999999999999999999", 256},
+      {"0", machine},  {"-2", machine}, {"", machine},      {"3x", machine},
+      {" 4", 4},       {nullptr, machine}};
   for (const auto& [text, workers] : cases) {
-    setenv("KAVREN_THREADS", text, 1);
-    EXPECT_EQ(kavren::workers_from_environment(), workers) << '"' << text << '"';
+    EXPECT_EQ(kavren::workers_from_text(text), workers) << '"' << (text ? text : "null") << '"';
   }
-  unsetenv("KAVREN_THREADS");
-  EXPECT_EQ(kavren::workers_from_environment(), machine);
-  if (before) setenv("KAVREN_THREADS", kept.c_str(), 1);
 }
 
 }  // namespace

@@ -21,6 +21,16 @@ if [ -n "$(find "$prefix/include" -name '*.h' ! -path '*/include/kavren/*')" ]; 
   echo "headers outside include/kavren"; exit 1
 fi
 
+# One version everywhere: the CMake package's, the Debian package's, the programs'.
+version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")$/\1/p' "$prefix"/lib*/cmake/kavren/kavrenConfigVersion.cmake)
+deb_version=$(sed -n 's/^set(CPACK_PACKAGE_VERSION "\(.*\)")$/\1/p' "$build/CPackConfig.cmake")
+report_version=$("$prefix/bin/kavren-report" --version)
+if [ -z "$version" ] || [ "$deb_version" != "$version" ] || \
+   [ "$report_version" != "kavren-report $version" ]; then
+  echo "versions differ: CMake package '$version', Debian package '$deb_version'," \
+    "'$report_version'"; exit 1
+fi
+
 "$prefix/bin/kavren-synth" demo "$work/demo" >/dev/null
 expected=$(cat "$work/demo/expected_stdout.txt")
 
@@ -42,6 +52,7 @@ import pathlib, sys, kavren
 assert pathlib.Path(kavren.__file__).parent == pathlib.Path(sys.argv[1]), kavren.__file__
 report = kavren.verify(pathlib.Path("Result.txt"), kavren.Catalogue("KAVREN_Asteroids_Data.txt"))
 assert report.accepted and report.checker_output == open("expected_stdout.txt").read(), report
-' "$site")
+assert kavren.__version__ == sys.argv[2], kavren.__version__
+' "$site" "$version")
 fi
 echo "installed, consumer built and run, module imported from $prefix"

@@ -158,14 +158,6 @@ void check_writable(const std::string& path) {
   }
 }
 
-int threads_from_environment() {
-  const char* text = std::getenv("KAVREN_THREADS");
-  if (text == nullptr || *text == '\0') return 0;
-  char* end = nullptr;
-  const long n = std::strtol(text, &end, 10);
-  return (*end == '\0' && n > 0 && n <= 1024) ? static_cast<int>(n) : 0;
-}
-
 struct Settings {
   std::vector<std::string> solutions;
   std::string catalogue = kDefaultCatalogue;
@@ -200,9 +192,7 @@ int run(const Settings& settings) {
   g_working_on = shown(names[0]);
   const kavren::Catalogue catalogue = read_catalogue(settings.catalogue);
 
-  const unsigned hardware = std::max(1u, std::thread::hardware_concurrency());
-  const unsigned budget = settings.threads > 0 ? static_cast<unsigned>(settings.threads)
-                                               : hardware;
+  const unsigned budget = static_cast<unsigned>(std::max(1, settings.threads));
   const unsigned parallel_files =
       std::min<unsigned>(budget, static_cast<unsigned>(checked.size()));
   const int workers_per_file = static_cast<int>(std::max(1u, budget / parallel_files));
@@ -320,7 +310,7 @@ int main(int argc, char** argv) {
       "kavren-report"};
   app.set_version_flag("--version", std::string("kavren-report ") + kavren::version());
   Settings settings;
-  settings.threads = threads_from_environment();
+  settings.threads = kavren::workers_from_text(std::getenv("KAVREN_THREADS"));
   app.add_option("SOLUTION", settings.solutions,
                  "Solution files (Result.txt when none; - reads standard input)");
   app.add_option("--catalogue", settings.catalogue, "The asteroid catalogue")
@@ -339,7 +329,7 @@ int main(int argc, char** argv) {
   app.add_option("--threads", settings.threads,
                  "Threads verifying arcs and files (default: KAVREN_THREADS, else one per "
                  "hardware thread)")
-      ->check(CLI::Range(1, 1024));
+      ->check(CLI::Range(1, kavren::kMaxWorkers));
   app.add_option("--max-bytes", settings.max_bytes,
                  "Refuse a solution of more than N bytes (exit status 2); for files from "
                  "untrusted sources")
