@@ -54,9 +54,12 @@ BurningArc one_year_arc() {
 
 int main() {
   BurningArc arc = one_year_arc();
-  int count = 0;
-  std::vector<int> starts, ends;
-  Test_LowThrustData(arc, count, starts, ends);
+  kavren::ArcPhases layout;
+  kavren::Findings laid_out(true);
+  kavren::walk_thrust_table(arc, layout, laid_out, 1);
+  const int count = layout.count;
+  const std::vector<int>& starts = layout.starts;
+  const std::vector<int>& ends = layout.ends;
 
   // Whole arcs.
   const int runs = 20;

@@ -14,7 +14,6 @@
 #include <string>
 #include <vector>
 
-#include "app/driver.h"
 #include "core/ship_checks.h"
 #include "kavren/verify.h"
 #include "lowthrust/arc_stage.h"

@@ -42,7 +42,7 @@ foreach(program kavren-report kavren-synth)
   endif()
 endforeach()
 install(TARGETS ${_kavren_programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(TARGETS kavren EXPORT kavrenTargets
+install(TARGETS kavren kavren_json EXPORT kavrenTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kavren

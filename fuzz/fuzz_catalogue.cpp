@@ -2,17 +2,12 @@
 // or writing memory it does not own.
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
-#include "fuzz_support.h"
 #include "readers/catalogue.h"
-#include "records/termination.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  const std::string path = kavren::fuzz::write_input("catalogue.txt", data, size);
-  try {
-    ReadAsteroidsData(path.c_str());
-  } catch (const kavren::Termination&) {
-  }
-  clear_info();
+  kavren::AsteroidTable table;
+  kavren::read_catalogue(std::string_view(reinterpret_cast<const char*>(data), size), table);
   return 0;
 }

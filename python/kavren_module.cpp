@@ -22,7 +22,7 @@
 
 #include "kavren/report.h"
 #include "kavren/verify.h"
-#include "report/report_json.h"
+#include "kavren/json.h"
 
 namespace py = pybind11;
 

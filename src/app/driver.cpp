@@ -16,6 +16,7 @@
 
 #include "kavren/verify.h"
 #include "readers/file_bytes.h"
+#include "records/findings.h"
 
 namespace kavren {
 namespace {
@@ -25,6 +26,8 @@ constexpr const char* kSolutionFile = "Result.txt";
 constexpr const char* kScoreFile = "./ScoreData.txt";
 // The run could not be finished (memory could not be had): no verdict was reached.
 constexpr int kResourceFailure = 4;
+
+int exit_status(Rule rule) { return rule_info(rule).exit_status; }
 
 int print(const std::string& text, int status) {
   std::cout << text;
@@ -98,7 +101,8 @@ int verify_files(Stage& stage) {
   {
     MappedFile catalogue_file;
     if (!catalogue_file.open(kCatalogueFile)) {
-      return print("ErrorA00: The file of Asteroid Data cannot be found.\n", 1);
+      return print("ErrorA00: The file of Asteroid Data cannot be found.\n",
+                   exit_status(Rule::catalogue_file));
     }
     catalogue = Catalogue::from_text(catalogue_file.text());
   }
@@ -107,7 +111,8 @@ int verify_files(Stage& stage) {
   stage.file = kSolutionFile;
   g_reading = kSolutionFile;
   if (!solution.open(kSolutionFile)) {
-    return print("ErrorA01. File Open Error: Cannot find the solution file.\n", 1);
+    return print("ErrorA01. File Open Error: Cannot find the solution file.\n",
+                 exit_status(Rule::solution_file));
   }
   stage.what = "verifying";
   stage.bytes = solution.text().size();
@@ -120,7 +125,8 @@ int verify_files(Stage& stage) {
     int error = 0;
     switch (write_score_file(*report.score_file, error)) {
       case ScoreWrite::not_opened:
-        return print("ErrorA00. File Open Error: Cannot find this file 'ScoreData.txt'.\n", 0);
+        return print("ErrorA00. File Open Error: Cannot find this file 'ScoreData.txt'.\n",
+                     exit_status(Rule::score_file));
       case ScoreWrite::failed:
         std::cerr << "kavren-check: cannot write ScoreData.txt: "
                   << (error != 0 ? std::strerror(error) : "write error") << '\n';
@@ -142,7 +148,7 @@ int run_checker(int argc) {
         "Error000. The number of input parameters is incorrect.\n"
         "The input is consisted with two files: the front one contains the "
         "KAVREN_Asteroids_Data.txt data, and the behind one takes the Result.txt.\n",
-        0);
+        exit_status(Rule::arguments));
   }
   Stage stage;
   try {

@@ -1,10 +1,12 @@
 // Physical constants and unit conversions, each defined once.
 #pragma once
 
+#include "kavren/bodies.h"
+
 namespace kavren {
 
 constexpr double kMuSun = 132712440018.0;          // km^3/s^2
-constexpr double kAU = 149597870.691;               // km
+constexpr double kAU = kKmPerAu;                    // km
 constexpr double kDeg2Rad = 0.017453292519943295;  // rad/deg
 constexpr double kSecondsPerDay = 86400.0;
 // Epoch of every body's elements, and the origin of canonical time (MJD).

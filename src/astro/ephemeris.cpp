@@ -6,8 +6,6 @@
 #include "astro/constants.h"
 #include "astro/elements.h"
 
-double** t_eles_asteroids = nullptr;
-
 namespace {
 
 // Classical elements at MJD 64328 (a km, e, i, RAAN, omega, M0 in rad), row = id + 4.
@@ -90,10 +88,6 @@ double speed_relative_to_body(int id, double t, const double* v, AsteroidRows as
 }
 
 }  // namespace kavren
-
-void getrv_stats_asteroids(int& flag, double* rv, int id, double t) {
-  kavren::body_state(flag, rv, id, t, t_eles_asteroids);
-}
 
 void Ele0dt2rvt(int& flag, double* rv, const double* ele0, double mu, double dt, int MaxIter,
                 double epsilon) {

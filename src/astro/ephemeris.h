@@ -42,12 +42,6 @@ double speed_relative_to_body(int id, double t, const double* v, AsteroidRows as
 
 }  // namespace kavren
 
-// The process-wide catalogue rows, asteroid k in row k-1, filled by ReadAsteroidsData;
-// null when no catalogue is loaded.
-extern double** t_eles_asteroids;
-
-// body_state with the rows of t_eles_asteroids.
-void getrv_stats_asteroids(int& flag, double* rv, int id, double t);
 // Keplerian state after dt (s) from ele0 = (a, e, i, RAAN, omega, M0).
 void Ele0dt2rvt(int& flag, double* rv, const double* ele0, double mu, double dt, int MaxIter,
                 double epsilon);

@@ -88,10 +88,8 @@ double f0ft2dt(int& flag, double f0, double ft, double a, double e, double mu) {
   if (ft < f0 || e < 0.0 || a <= 0.0 || mu <= 0.0) return 0.0;
   if (e >= 1.0) {
     const double beta = kPi - std::acos(1.0 / e);
+    // Past this test -beta <= f0 <= ft <= beta: both anomalies lie between the asymptotes.
     if (std::min(f0, ft) < -beta || ft > beta) return 0.0;
-    // A second guard on the anomalies beyond the asymptotes; the test above already
-    // returns for every such input.
-    if (ft < -beta || f0 < -beta || f0 > beta) return 1.0e21;
   }
   const double n = std::sqrt(mu / (a * a * a));
   if (e == 1.0) {

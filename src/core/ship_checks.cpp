@@ -1,7 +1,6 @@
 #include "core/ship_checks.h"
 
 #include "mining/ship_ledger.h"
-#include "records/announce.h"
 
 namespace kavren {
 
@@ -14,10 +13,3 @@ bool check_ship(ShipClass& ship, EventContext& context) {
 }
 
 }  // namespace kavren
-
-bool ShipClass::check_all() {
-  kavren::Findings findings(true);
-  kavren::EventContext context{findings, t_eles_asteroids, ship_id};
-  kavren::check_ship(*this, context);
-  return kavren::announce(findings);
-}

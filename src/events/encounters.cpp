@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 namespace {
 
@@ -41,12 +41,6 @@ double max_turn_angle(int id, double vin) {
 }
 
 }  // namespace kavren
-
-double get_vinf(int id, StateStruct s) { return kavren::excess_speed(id, s, t_eles_asteroids); }
-
-void err_state_ship(int id, StateStruct s, double& dr, double& dv) {
-  kavren::state_error(id, s, t_eles_asteroids, dr, dv);
-}
 
 void get_error_2structs(StateStruct a, StateStruct b, double& dt, double& dr, double& dv,
                         double& dm) {

@@ -1,6 +1,5 @@
 // Comparisons of a ship's state with the body it meets and of the two lines of one
-// event. The kavren:: forms take the catalogue's rows; the global forms read the
-// process-wide table t_eles_asteroids.
+// event. The kavren:: forms take the catalogue's rows.
 #pragma once
 
 #include "astro/ephemeris.h"
@@ -19,8 +18,6 @@ double max_turn_angle(int id, double vin);
 
 }  // namespace kavren
 
-double get_vinf(int id, StateStruct s);
-void err_state_ship(int id, StateStruct s, double& dr, double& dv);
 void get_error_2structs(StateStruct a, StateStruct b, double& dt, double& dr, double& dv,
                         double& dm);
 void get_error_shipandstar(const double* rv1, const double* rv2, double& dr, double& dv);

@@ -1,10 +1,9 @@
-// The wording shared by the event messages, and the printing form of the event checks.
+// The wording shared by the event messages.
 #pragma once
 
 #include <string>
 
 #include "events/event_checks.h"
-#include "records/announce.h"
 
 namespace kavren {
 
@@ -26,16 +25,6 @@ inline std::string event_message(const char* code, const char* event, long long 
   text += event;
   text += " on the line";
   return line_message(text.c_str(), line, suffix);
-}
-
-// Runs one event check on a stopping collector over the process-wide catalogue and
-// prints its finding.
-template <class Event, class Check>
-bool announce_event(Event& event, Check check) {
-  Findings findings(true);
-  EventContext context{findings, t_eles_asteroids, 0};
-  check(event, context);
-  return announce(findings);
 }
 
 }  // namespace kavren

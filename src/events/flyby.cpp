@@ -6,7 +6,7 @@
 #include "events/encounters.h"
 #include "events/event_checks.h"
 #include "events/event_text.h"
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -100,12 +100,3 @@ bool flyby_pass(FlybyClass& flyby, EventContext& c) {
 }
 
 }  // namespace kavren
-
-bool FlybyClass::check_2lines_trm() const { return kavren::announce_event(*this, kavren::flyby_pair); }
-bool FlybyClass::check_r_ifequal2Star() const {
-  return kavren::announce_event(*this, kavren::flyby_at_planet);
-}
-bool FlybyClass::check_flyby() { return kavren::announce_event(*this, kavren::flyby_pass); }
-bool FlybyClass::check_flybyevent() {
-  return check_2lines_trm() && check_r_ifequal2Star() && check_flyby();
-}

@@ -6,8 +6,7 @@
 #include "events/encounters.h"
 #include "events/event_checks.h"
 #include "events/event_text.h"
-#include "records/announce.h"
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 
@@ -90,13 +89,3 @@ bool launch_at_earth(const LaunchClass& launch, EventContext& c) {
 }
 
 }  // namespace kavren
-
-bool LaunchClass::check_2lines_trm() const { return kavren::announce_event(*this, kavren::launch_pair); }
-bool LaunchClass::check_initialmass() const { return kavren::announce_event(*this, kavren::launch_mass); }
-bool LaunchClass::check_vinf() const { return kavren::announce_event(*this, kavren::launch_speed); }
-bool LaunchClass::check_rv_ifequal2Earth() const {
-  return kavren::announce_event(*this, kavren::launch_at_earth);
-}
-bool LaunchClass::check_launchevent() const {
-  return check_2lines_trm() && check_initialmass() && check_vinf() && check_rv_ifequal2Earth();
-}

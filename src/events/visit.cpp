@@ -4,7 +4,7 @@
 #include "events/encounters.h"
 #include "events/event_checks.h"
 #include "events/event_text.h"
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 
@@ -59,11 +59,3 @@ bool visit_at_asteroid(const VisitClass& visit, EventContext& c) {
 }
 
 }  // namespace kavren
-
-bool VisitClass::check_2lines_trv() const { return kavren::announce_event(*this, kavren::visit_pair); }
-bool VisitClass::check_rv_ifequal2asteroid() const {
-  return kavren::announce_event(*this, kavren::visit_at_asteroid);
-}
-bool VisitClass::check_visitevent() const {
-  return check_2lines_trv() && check_rv_ifequal2asteroid();
-}

@@ -5,9 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "lowthrust/arc_integration.h"
-#include "records/announce.h"
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -57,14 +55,14 @@ class Walk {
                     });
   }
 
-  bool format_error(const char* code, long long i, const char* what) {
-    std::string text(code);
+  bool format_error(Rule rule, long long i, const char* what) {
+    std::string text(rule_info(rule).code);
     text += ". File Format Error on the line ";
     text += std::to_string(i + 1);
     text += ": ";
     text += what;
     text += '\n';
-    f_.fail(Rule::count, std::move(text), {i + 1}, ship_);
+    f_.fail(rule, std::move(text), {i + 1}, ship_);
     return false;
   }
 
@@ -98,16 +96,16 @@ bool Walk::run() {
   for (;;) {
     if (!inside && i == lines_.last()) {
       // A single line left after a closed phase cannot open another one.
-      return format_error("ErrorA03", i, "Missing the first line of the burning arc.");
+      return format_error(Rule::thrust_first_line, i, "Missing the first line of the burning arc.");
     }
     const double dt = lines_.epoch(i + 1) - lines_.epoch(i);
     if (!inside) {
       // A phase opens with a zero-thrust line sharing the epoch of the next line.
       if (std::abs(dt) > kSameEpoch) {
-        return format_error("ErrorA03", i, "Missing the first line of the burning arc.");
+        return format_error(Rule::thrust_first_line, i, "Missing the first line of the burning arc.");
       }
       if (lines_.magnitude(i) > kZeroThrust) {
-        return format_error("ErrorA04", i,
+        return format_error(Rule::thrust_zero_line, i,
                             "The thrust magnitude of the first line of the burning arc is not 0.");
       }
       phases_.starts.push_back(static_cast<int>(i));
@@ -116,10 +114,10 @@ bool Walk::run() {
       const double un = lines_.magnitude(i + 1);
       if (short_step || (std::abs(dt) < kSameEpoch && un < kZeroThrust)) {
         if (std::abs(dt) > kSameEpoch) {
-          return format_error("ErrorA05", i, "Missing the last line of the burning arc.");
+          return format_error(Rule::thrust_last_line, i, "Missing the last line of the burning arc.");
         }
         if (un > kZeroThrust) {
-          return format_error("ErrorA06", i,
+          return format_error(Rule::thrust_closing_line, i,
                               "The thrust magnitude of the last line of the burning arc is not 0.");
         }
         phases_.ends.push_back(static_cast<int>(i + 1));
@@ -152,7 +150,7 @@ bool Walk::run() {
     }
     ++i;
     if (inside && i == lines_.last()) {
-      return format_error("ErrorA05", i, "Missing the last line of the burning arc.");
+      return format_error(Rule::thrust_last_line, i, "Missing the last line of the burning arc.");
     }
     if (!thrust_within_limit(i)) return false;
   }
@@ -192,13 +190,8 @@ bool walk_thrust_table(const BurningArc& arc, const ArcTable& table, ArcPhases& 
 
 }  // namespace kavren
 
-bool Test_LowThrustData(BurningArc& arc, int& count, std::vector<int>& starts,
-                        std::vector<int>& ends) {
-  kavren::Findings findings(true);
-  kavren::ArcPhases phases;
-  kavren::walk_thrust_table(arc, phases, findings, arc.ship_number);
-  count = phases.count;
-  starts = phases.starts;
-  ends = phases.ends;
-  return kavren::announce(findings, true);
+double V_norm(const std::vector<double>& v) {
+  double sum = 0.0;
+  for (double x : v) sum += x * x;
+  return std::sqrt(sum);
 }

@@ -51,7 +51,5 @@ bool walk_thrust_table(const BurningArc& arc, const ArcTable& table, ArcPhases& 
 
 }  // namespace kavren
 
-// Walks the arc's lines; lists the opening (starts) and closing (ends) zero-thrust line of
-// every thrust phase. Ends the run (status 0) at the first layout error.
-bool Test_LowThrustData(BurningArc& arc, int& count, std::vector<int>& starts,
-                        std::vector<int>& ends);
+// The Euclidean norm of a vector of any length.
+double V_norm(const std::vector<double>& v);

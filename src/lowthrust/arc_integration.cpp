@@ -10,8 +10,7 @@
 #include "astro/constants.h"
 #include "lowthrust/dynamics.h"
 #include "lowthrust/rkf78_loop.h"
-#include "records/announce.h"
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -158,52 +157,6 @@ struct Legs {
   }
 };
 
-// The state written at the arc's end against the state reached.
-bool compare_end_state(const BurningArc& arc, const double* reached, Findings& f, int ship) {
-  const StateStruct& end = arc.end_state;
-  const long long shown = printed_line(end.line_index);
-  const double dx = reached[0] - end.r[0];
-  const double dy = reached[1] - end.r[1];
-  const double dz = reached[2] - end.r[2];
-  const double dr = std::sqrt(dx * dx + dy * dy + dz * dz);
-  const char* const between =
-      ": The position error between the integral state from the previous event and the state "
-      "shown in the file is ";
-  if (!f.check(Rule::arc_position, !(dr > kPositionTolerance), dr, kPositionTolerance, {shown},
-               ship, [&] {
-                 std::ostringstream text;
-                 text << "Error201. Position Error on the line " << shown << between << dr
-                      << " km, greater than the constraint 1000 km.\n";
-                 return text.str();
-               })) {
-    return false;
-  }
-  const double dvx = reached[3] - end.v[0];
-  const double dvy = reached[4] - end.v[1];
-  const double dvz = reached[5] - end.v[2];
-  const double dv = std::sqrt(dvx * dvx + dvy * dvy + dvz * dvz);
-  if (!f.check(Rule::arc_velocity, !(dv > kVelocityTolerance), dv, kVelocityTolerance, {shown},
-               ship, [&] {
-                 std::ostringstream text;
-                 text << "Error202. Velocity Error on the line " << shown
-                      << ": The velocity error between the integral state from the previous "
-                         "event and the state shown in the file is "
-                      << dv * 1000 << " m/s, greater than the constraint 1 m/s.\n";
-                 return text.str();
-               })) {
-    return false;
-  }
-  const double dm = std::abs(reached[6] - end.mass);
-  return f.check(Rule::arc_mass, !(dm > kMassTolerance), dm, kMassTolerance, {shown}, ship, [&] {
-    std::ostringstream text;
-    text << "Error203. Mass Error on the line " << shown
-         << ": The mass error between the integral state from the previous event and the state "
-            "shown in the file is "
-         << dm << " kg, greater than the constraint 0.001 kg.\n";
-    return text.str();
-  });
-}
-
 // The arc's legs in order; false when the arc cannot be compared (a timing fault or a
 // pass too close to the Sun) or the collector says to stop.
 bool integrate_legs(const BurningArc& arc, const ArcPhases& phases, Legs& legs, double* y) {
@@ -291,6 +244,51 @@ bool integrate_legs(const BurningArc& arc, const ArcPhases& phases, Legs& legs, 
 
 }  // namespace
 
+bool compare_end_state(const BurningArc& arc, const double* reached, Findings& f, int ship) {
+  const StateStruct& end = arc.end_state;
+  const long long shown = printed_line(end.line_index);
+  const double dx = reached[0] - end.r[0];
+  const double dy = reached[1] - end.r[1];
+  const double dz = reached[2] - end.r[2];
+  const double dr = std::sqrt(dx * dx + dy * dy + dz * dz);
+  const char* const between =
+      ": The position error between the integral state from the previous event and the state "
+      "shown in the file is ";
+  if (!f.check(Rule::arc_position, !(dr > kPositionTolerance), dr, kPositionTolerance, {shown},
+               ship, [&] {
+                 std::ostringstream text;
+                 text << "Error201. Position Error on the line " << shown << between << dr
+                      << " km, greater than the constraint 1000 km.\n";
+                 return text.str();
+               })) {
+    return false;
+  }
+  const double dvx = reached[3] - end.v[0];
+  const double dvy = reached[4] - end.v[1];
+  const double dvz = reached[5] - end.v[2];
+  const double dv = std::sqrt(dvx * dvx + dvy * dvy + dvz * dvz);
+  if (!f.check(Rule::arc_velocity, !(dv > kVelocityTolerance), dv, kVelocityTolerance, {shown},
+               ship, [&] {
+                 std::ostringstream text;
+                 text << "Error202. Velocity Error on the line " << shown
+                      << ": The velocity error between the integral state from the previous "
+                         "event and the state shown in the file is "
+                      << dv * 1000 << " m/s, greater than the constraint 1 m/s.\n";
+                 return text.str();
+               })) {
+    return false;
+  }
+  const double dm = std::abs(reached[6] - end.mass);
+  return f.check(Rule::arc_mass, !(dm > kMassTolerance), dm, kMassTolerance, {shown}, ship, [&] {
+    std::ostringstream text;
+    text << "Error203. Mass Error on the line " << shown
+         << ": The mass error between the integral state from the previous event and the state "
+            "shown in the file is "
+         << dm << " kg, greater than the constraint 0.001 kg.\n";
+    return text.str();
+  });
+}
+
 bool integrate_and_compare(const BurningArc& arc, const ArcPhases& phases, Findings& findings,
                            ArcIntegration& run) {
   return integrate_and_compare(arc, ArcTable(arc), phases, findings, run);
@@ -328,13 +326,12 @@ bool integrate_and_compare(const BurningArc& arc, const ArcTable& table, const A
   return compare_end_state(arc, run.reached, findings, run.ship);
 }
 
-void integrate_arc(const BurningArc& arc, int count, const std::vector<int>& starts,
-                   const std::vector<int>& ends, double* reached) {
+bool integrate_arc(const BurningArc& arc, int count, const std::vector<int>& starts,
+                   const std::vector<int>& ends, double* reached, Findings& findings) {
   ArcPhases phases;
   phases.count = count;
   phases.starts = starts;
   phases.ends = ends;
-  Findings findings(true);
   ArcIntegration run;
   run.ship = arc.ship_number;
   const ArcTable table(arc);
@@ -345,40 +342,9 @@ void integrate_arc(const BurningArc& arc, int count, const std::vector<int>& sta
   } catch (const SunApproach& at) {
     findings.fail(Rule::sun_distance, sun_approach_message(at), {}, 0);
   }
-  announce(findings, true);
+  if (findings.any()) return false;
   to_physical(y, reached);
+  return true;
 }
 
 }  // namespace kavren
-
-bool Test_LowThrust_RKF78(const BurningArc& arc, int count, const std::vector<int>& starts,
-                          const std::vector<int>& ends) {
-  kavren::ArcPhases phases;
-  phases.count = count;
-  phases.starts = starts;
-  phases.ends = ends;
-  kavren::Findings findings(true);
-  kavren::ArcIntegration run;
-  run.ship = arc.ship_number;
-  kavren::integrate_and_compare(arc, phases, findings, run);
-  return kavren::announce(findings, true);
-}
-
-bool Judge_rvmf(const double* reached, const double* expected, int line) {
-  BurningArc arc;
-  arc.end_state.line_index = line;
-  for (int i = 0; i < 3; ++i) {
-    arc.end_state.r[i] = expected[i];
-    arc.end_state.v[i] = expected[3 + i];
-  }
-  arc.end_state.mass = expected[6];
-  kavren::Findings findings(true);
-  kavren::compare_end_state(arc, reached, findings, 0);
-  return kavren::announce(findings, true);
-}
-
-double V_norm(const std::vector<double>& v) {
-  double sum = 0.0;
-  for (double x : v) sum += x * x;
-  return std::sqrt(sum);
-}

@@ -34,16 +34,15 @@ bool integrate_and_compare(const BurningArc& arc, const ArcPhases& phases, Findi
 bool integrate_and_compare(const BurningArc& arc, const ArcTable& table, const ArcPhases& phases,
                            Findings& findings, ArcIntegration& run);
 
-// The integration alone, into reached; Error003, Error004 and Error101 end the run as in
-// the check. Scenario builders use it to write end states the check reproduces.
-void integrate_arc(const BurningArc& arc, int count, const std::vector<int>& starts,
-                   const std::vector<int>& ends, double* reached);
+// The state written at the arc's end against the state reached (x, y, z km, vx, vy, vz
+// km/s, m kg): Error201-203. False when the collector says to stop.
+bool compare_end_state(const BurningArc& arc, const double* reached, Findings& findings,
+                       int ship);
+
+// The integration alone, into reached: the state the check compares with the arc's end.
+// False, with reached untouched, when Error003, Error004 or Error101 went to `findings`.
+// Scenario builders use it to write end states the check reproduces.
+bool integrate_arc(const BurningArc& arc, int count, const std::vector<int>& starts,
+                   const std::vector<int>& ends, double* reached, Findings& findings);
 
 }  // namespace kavren
-
-bool Test_LowThrust_RKF78(const BurningArc& arc, int count, const std::vector<int>& starts,
-                          const std::vector<int>& ends);
-// reached and expected: x, y, z (km), vx, vy, vz (km/s), m (kg). Ends the run with
-// Error201..203 (status 1) beyond 1000 km, 0.001 km/s or 0.001 kg.
-bool Judge_rvmf(const double* reached, const double* expected, int line);
-double V_norm(const std::vector<double>& v);

@@ -13,7 +13,6 @@
 
 #include "lowthrust/arc_data.h"
 #include "lowthrust/arc_integration.h"
-#include "records/announce.h"
 
 namespace kavren {
 namespace {
@@ -225,14 +224,3 @@ bool check_arcs(const std::vector<ShipClass>& ships, Findings& findings,
 }
 
 }  // namespace kavren
-
-bool CheckBuringArc(const std::vector<ShipClass>& ships) {
-  kavren::Findings findings(true);
-  kavren::ArcStageResult result;
-  kavren::check_arcs(ships, findings, kavren::ArcStageOptions{}, result);
-  return kavren::announce(findings, true);
-}
-
-bool CheckBuringArc(const ShipClass& ship) {
-  return CheckBuringArc(std::vector<ShipClass>{ship});
-}

@@ -64,7 +64,3 @@ bool check_arcs(const std::vector<ShipClass>& ships, Findings& findings,
                 const ArcStageOptions& options, ArcStageResult& result);
 
 }  // namespace kavren
-
-// Every arc of every ship, in order; the first failure ends the run with its status.
-bool CheckBuringArc(const std::vector<ShipClass>& ships);
-bool CheckBuringArc(const ShipClass& ship);

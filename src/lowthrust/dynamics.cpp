@@ -1,11 +1,9 @@
 #include "lowthrust/dynamics.h"
 
 #include <cmath>
-#include <iostream>
 
 #include "astro/constants.h"
-#include "records/limits.h"
-#include "records/termination.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -78,33 +76,3 @@ std::string sun_approach_message(const SunApproach& at) {
 }
 
 }  // namespace kavren
-
-namespace {
-
-[[noreturn]] void error101(const kavren::SunApproach& at) {
-  std::cout << kavren::sun_approach_message(at);
-  kavren::end_run(1);
-}
-
-}  // namespace
-
-void TwoBodyDy(double t, const double* y, double* dy, const double* para) {
-  kavren::CoastModel model;
-  model.line = kavren::truncate_to_int(para[0]);
-  try {
-    model(t, y, dy);
-  } catch (const kavren::SunApproach& at) {
-    error101(at);
-  }
-}
-
-void LowThrustDy(double t, const double* y, double* dy, const double* para) {
-  kavren::ThrustModel model;
-  model.table = kavren::thrust_table_of(para, false);
-  model.line = kavren::truncate_to_int(para[0]);
-  try {
-    model(t, y, dy);
-  } catch (const kavren::SunApproach& at) {
-    error101(at);
-  }
-}

@@ -46,10 +46,3 @@ struct ThrustModel {
 };
 
 }  // namespace kavren
-
-// Sun gravity only. para[0]: line reference for Error101. Ends the run with Error101
-// (status 1) closer than 0.3 AU to the Sun.
-void TwoBodyDy(double t, const double* y, double* dy, const double* para);
-// Sun gravity plus interpolated thrust. para: [line ref, N, N times (TU), N ux, N uy, N uz].
-// Ends the run with Error101 (status 1) closer than 0.3 AU to the Sun.
-void LowThrustDy(double t, const double* y, double* dy, const double* para);

@@ -3,6 +3,8 @@
 
 #include <cstdio>
 
+#include "lowthrust/rkf78_coefficients.h"
+
 namespace RK {
 
 // Derivative function: writes dy = f(t, y); para is the caller's parameter block.
@@ -19,22 +21,5 @@ int RKF78(DerivFn model, double* y, const double* para, double& t, double tout, 
 // One Fehlberg 7(8) step of size h; K block 0 must hold f(t, y). Twelve evaluations.
 void RKF78Step(DerivFn model, const double* y, const double* para, double t, double h,
                double* ynew, int dim, double* K);
-// 41/840 * (K0 + K10 - K11 - K12) for component k, zero-weight stages included.
-double RKF78ErrorTerm(int k, int dim, const double* K);
-
-// The Fehlberg 7(8) pair: nodes alpha_j, coupling table beta_jl (row j used for l < j,
-// the rest zero), eighth-order weights c_j and the weight of the error estimate. Each
-// entry is the double nearest to its exact fraction.
-extern const double RKFa[13];
-extern const double RKFb[13][12];
-extern const double RKFc[13];
-constexpr double kRKF78ErrorWeight = 0.04880952380952381;  // 41/840
-
-double Max(double a, double b);
-double Min(double a, double b);
-double CopySign(double a, double b);
-int CopySign(int a, int b);
-double ArrayMax(const double* a, int n);
-double ArrayMin(const double* a, int n);
 
 }  // namespace RK

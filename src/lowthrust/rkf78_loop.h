@@ -23,7 +23,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "lowthrust/rkf78.h"
+#include "lowthrust/rkf78_coefficients.h"
 
 namespace RK {
 namespace detail {

@@ -6,8 +6,7 @@
 #include <sstream>
 #include <utility>
 
-#include "records/announce.h"
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -152,18 +151,3 @@ bool check_mining_ledger(const std::vector<ShipClass>& ships, int num_ships,
 }
 
 }  // namespace kavren
-
-int check_DmStructAsteroid(DmStructAsteroid& record) {
-  kavren::Findings findings(true);
-  const int verdict = kavren::check_mining_pair(record, findings);
-  kavren::announce(findings);
-  return verdict;
-}
-
-bool CheckVisitDm(std::vector<ShipClass>& ships, int num_ships,
-                  std::vector<DmStructAsteroid>& asteroid_table,
-                  std::vector<StoreDmStruct>& store) {
-  kavren::Findings findings(true);
-  kavren::check_mining_ledger(ships, num_ships, asteroid_table, store, findings);
-  return kavren::announce(findings);
-}

@@ -24,11 +24,6 @@ struct StoreDmStruct {
   double mass = 0.0;
 };
 
-bool CheckVisitDm(std::vector<ShipClass>& ships, int num_ships,
-                  std::vector<DmStructAsteroid>& asteroid_table,
-                  std::vector<StoreDmStruct>& store);
-// 1: valid pair, delivered; -1: valid pair, not delivered; 0: a rule failed (printed).
-int check_DmStructAsteroid(DmStructAsteroid& record);
 
 namespace kavren {
 

@@ -1,14 +1,10 @@
 #include "mining/score.h"
 
 #include <cmath>
-#include <fstream>
 #include <iomanip>
-#include <iostream>
 #include <sstream>
 
-#include "records/announce.h"
-#include "records/limits.h"
-#include "records/termination.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -58,21 +54,3 @@ std::string score_file_text(const std::vector<StoreDmStruct>& store) {
 }
 
 }  // namespace kavren
-
-bool Test_MotherShipNum(int num_ships, const std::vector<StoreDmStruct>& store, double& total) {
-  kavren::Findings findings(true);
-  kavren::check_ship_count(num_ships, store, total, findings);
-  return kavren::announce(findings, true);
-}
-
-bool Output_Solution(const std::vector<StoreDmStruct>& store) {
-  std::ofstream file("./ScoreData.txt", std::ios::out | std::ios::trunc);
-  if (!file.is_open()) {
-    std::cout << "ErrorA00. File Open Error: Cannot find this file 'ScoreData.txt'." << std::endl;
-    kavren::end_run(0);
-  }
-  // A failed write or close does not change the verdict.
-  file << kavren::score_file_text(store);
-  file.close();
-  return true;
-}

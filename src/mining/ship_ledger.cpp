@@ -4,8 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "records/announce.h"
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 
@@ -87,22 +86,4 @@ bool check_dry_mass(const ShipClass& ship, Findings& findings) {
 // Without a drop the mission's start stays.
 void ShipClass::calculate_time_of_LRE() {
   if (const auto epoch = kavren::tally_mining(*this).last_drop_epoch) time_of_LRE = *epoch;
-}
-
-bool ShipClass::check_dm() {
-  kavren::Findings findings(true);
-  kavren::check_resource_balance(*this, findings);
-  return kavren::announce(findings);
-}
-
-bool ShipClass::calculate_check_num_miners() {
-  kavren::Findings findings(true);
-  kavren::check_miner_count(*this, findings);
-  return kavren::announce(findings);
-}
-
-bool ShipClass::check_final_mass() const {
-  kavren::Findings findings(true);
-  kavren::check_dry_mass(*this, findings);
-  return kavren::announce(findings);
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <iostream>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -15,13 +14,9 @@
 
 #include "readers/file_bytes.h"
 #include "readers/tokenizer.h"
-#include "records/termination.h"
 
 namespace kavren {
 namespace {
-
-// The table behind the process-wide t_eles_asteroids.
-std::unique_ptr<AsteroidTable> g_loaded;
 
 // Stream extraction reads numbers separated by any white space. Plain tokens ("12",
 // "-3.5e2") are converted here with the same result the stream gives; at the first
@@ -204,22 +199,4 @@ void read_catalogue(std::string_view text, AsteroidTable& table) {
 }
 
 }  // namespace kavren
-
-void ReadAsteroidsData(const char* file_name) {
-  std::string bytes;
-  if (!kavren::read_file_bytes(file_name, bytes)) {
-    std::cout << "ErrorA00: The file of Asteroid Data cannot be found." << std::endl;
-    kavren::end_run(1);
-  }
-  clear_info();
-  kavren::g_loaded = std::make_unique<kavren::AsteroidTable>();
-  kavren::read_catalogue(bytes, *kavren::g_loaded);
-  t_eles_asteroids = kavren::g_loaded->mutable_rows();
-}
-
-void clear_info() {
-  // The pointer is reset so that a released table is never read.
-  t_eles_asteroids = nullptr;
-  kavren::g_loaded.reset();
-}
 

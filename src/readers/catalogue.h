@@ -15,9 +15,3 @@ namespace kavren {
 void read_catalogue(std::string_view text, AsteroidTable& table);
 
 }  // namespace kavren
-
-// Loads the catalogue into t_eles_asteroids; prints ErrorA00 and ends the run with
-// status 1 when the file cannot be opened.
-void ReadAsteroidsData(const char* file_name);
-// Releases t_eles_asteroids.
-void clear_info();

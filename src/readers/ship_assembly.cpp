@@ -7,7 +7,7 @@
 
 #include "astro/ephemeris.h"
 #include "readers/tokenizer.h"
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -163,7 +163,7 @@ bool ShipAssembler::close_arc() {
   const int gap = first_.line_index - previous_.line_index;
   if (gap >= 2 && gap <= 4) {
     // This message prints the 0-based index of the line that opens the arc.
-    findings_.fail(Rule::count,
+    findings_.fail(Rule::arc_line_count,
                    line_message("ErrorA03:  File Format Error on the line ",
                                 previous_.line_index,
                                 ": The number of lines in this burning arc is unreasonable."),

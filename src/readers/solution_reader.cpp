@@ -1,7 +1,6 @@
 #include "readers/solution_reader.h"
 
 #include <climits>
-#include <iostream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,9 +8,7 @@
 #include "readers/file_bytes.h"
 #include "readers/ship_assembly.h"
 #include "readers/tokenizer.h"
-#include "records/announce.h"
-#include "records/limits.h"
-#include "records/termination.h"
+#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -43,14 +40,14 @@ struct EventLists {
 };
 
 // A structural fault: the reading ends.
-bool refuse_line(Findings& findings, const char* head, int index, const char* tail) {
-  findings.fail(Rule::count, line_message(head, printed_line(index), tail),
+bool refuse_line(Findings& findings, Rule rule, const char* head, int index, const char* tail) {
+  findings.fail(rule, line_message(head, printed_line(index), tail),
                 {printed_line(index)}, 0);
   return false;
 }
 
-bool refuse(Findings& findings, const char* message) {
-  findings.fail(Rule::count, std::string(message) + "\n", {}, 0);
+bool refuse(Findings& findings, Rule rule, const char* message) {
+  findings.fail(rule, std::string(message) + "\n", {}, 0);
   return false;
 }
 
@@ -59,16 +56,16 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
                std::vector<std::string_view>& tokens, Findings& findings) {
   static constexpr const char* kA09 = "ErrorA09. File Format Error on the line ";
   const std::string_view text = trimmed_line(raw);
-  if (text.empty()) return refuse_line(findings, kA09, index, ": This line is empty!");
+  if (text.empty()) return refuse_line(findings, Rule::line_format, kA09, index, ": This line is empty!");
   // The length rule measures the line as read: a trailing CR counts.
   if (raw.size() < 12) {
-    return refuse_line(findings, kA09, index, ": The number of data in this line is unreasonable.");
+    return refuse_line(findings, Rule::line_format, kA09, index, ": The number of data in this line is unreasonable.");
   }
   tokenize_line(text, tokens);
   // Only a line of 10 or 6 tokens has an event ID to read; a line of one token (a
   // long number) has no second token.
   if (tokens.size() != 10 && tokens.size() != 6) {
-    return refuse_line(findings, kA09, index, ": The number of data in this line is unreasonable.");
+    return refuse_line(findings, Rule::line_format, kA09, index, ": The number of data in this line is unreasonable.");
   }
   const int id = parse_int(tokens[1]);
   if (tokens.size() == 10) {
@@ -84,18 +81,18 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
       lists.rendezvous.push_back(index);
       lists.rendezvous_ids.push_back(id);
     } else {
-      return refuse_line(findings, "ErrorA10. File Format Error on the line", index,
+      return refuse_line(findings, Rule::event_id, "ErrorA10. File Format Error on the line", index,
                          ": The event ID is unreasonable.");
     }
   } else if (id != -1) {
-    return refuse_line(findings, "ErrorA11. File Format Error on the line", index,
+    return refuse_line(findings, Rule::arc_event_id, "ErrorA11. File Format Error on the line", index,
                        ": The event ID of the burning arcs is wrong.");
   }
 
   // A ship is a maximal run of lines with the same ship ID.
   const int ship = parse_int(tokens[0]);
   if (ship < 1) {
-    return refuse_line(findings, "ErrorA12. File Format Error on the line", index,
+    return refuse_line(findings, Rule::ship_id, "ErrorA12. File Format Error on the line", index,
                        ": The ID of the ship is wrong.");
   }
   if (index == 0 || ship != lists.previous_ship) lists.ship_starts.push_back(index);
@@ -175,7 +172,7 @@ bool read_lines(std::string_view text, EventLists& lists, Findings& findings,
     // Line numbers are 32-bit; a file of more lines is refused at the last number
     // that can still be printed.
     if (index == INT_MAX - 1) {
-      return refuse_line(findings, "ErrorA09. File Format Error on the line ", index,
+      return refuse_line(findings, Rule::line_format, "ErrorA09. File Format Error on the line ", index,
                          ": The number of data in this line is unreasonable.");
     }
     if (index % kLinesBetweenDeadlineChecks == 0) honour_deadline(deadline);
@@ -195,58 +192,58 @@ bool read_lines(std::string_view text, EventLists& lists, Findings& findings,
 }
 
 // Every pair (2k, 2k+1) of a flyby list must be two adjacent lines.
-bool check_pairs(const std::vector<int>& list, const char* odd_message, const char* head,
-                 const char* tail, Findings& findings) {
-  if (list.size() % 2 != 0) return refuse(findings, odd_message);
+bool check_pairs(const std::vector<int>& list, Rule odd, const char* odd_message, Rule apart,
+                 const char* head, const char* tail, Findings& findings) {
+  if (list.size() % 2 != 0) return refuse(findings, odd, odd_message);
   for (std::size_t k = 0; k < list.size(); k += 2) {
-    if (list[k + 1] != list[k] + 1) return refuse_line(findings, head, list[k + 1], tail);
+    if (list[k + 1] != list[k] + 1) return refuse_line(findings, apart, head, list[k + 1], tail);
   }
   return true;
 }
 
 bool check_structure(const EventLists& lists, Findings& findings) {
   if (lists.launches.size() != 2 * lists.ship_starts.size()) {
-    return refuse(findings,
+    return refuse(findings, Rule::launch_count,
                   "ErrorA13. File Format Error: The number of mining ships does not match the "
                   "number of launch events.");
   }
   for (std::size_t k = 0; k < lists.ship_starts.size(); ++k) {
     if (lists.ship_starts[k] != lists.launches[2 * k]) {
-      return refuse_line(findings, "ErrorA14. File Format Error on the line", lists.launches[2 * k],
+      return refuse_line(findings, Rule::launch_start, "ErrorA14. File Format Error on the line", lists.launches[2 * k],
                          ": The event ID of the launch is wrong.");
     }
     if (lists.launches[2 * k + 1] != lists.launches[2 * k] + 1) {
-      return refuse_line(findings, "ErrorA15. File Format Error on the line", lists.launches[2 * k + 1],
+      return refuse_line(findings, Rule::launch_lines, "ErrorA15. File Format Error on the line", lists.launches[2 * k + 1],
                          ": The event IDs of one launch do not appear in two adjacent lines.");
     }
   }
-  if (!check_pairs(lists.venus,
+  if (!check_pairs(lists.venus, Rule::venus_count,
                    "ErrorA16. File Format Error: The number of the event IDs of the Venus "
                    "flybys is odd.",
-                   "ErrorA17. File Format Error on the line",
+                   Rule::venus_lines, "ErrorA17. File Format Error on the line",
                    ": The event IDs of one Venus flyby do not appear in two adjacent lines.",
                    findings)) {
     return false;
   }
-  if (!check_pairs(lists.earth,
+  if (!check_pairs(lists.earth, Rule::earth_count,
                    "ErrorA18. File Format Error: The number of the event IDs of the Earth "
                    "flybys is odd.",
-                   "ErrorA19. File Format Error on the line",
+                   Rule::earth_lines, "ErrorA19. File Format Error on the line",
                    ": The event IDs of one Earth flyby do not appear in two adjacent lines.",
                    findings)) {
     return false;
   }
-  if (!check_pairs(lists.mars,
+  if (!check_pairs(lists.mars, Rule::mars_count,
                    "ErrorA20. File Format Error: The number of the event IDs of the Mars "
                    "flybys is odd.",
-                   "ErrorA21. File Format Error on the line",
+                   Rule::mars_lines, "ErrorA21. File Format Error on the line",
                    ": The event IDs of one Mars flyby do not appear in two adjacent lines.",
                    findings)) {
     return false;
   }
   const std::vector<int>& visits = lists.rendezvous;
   if (visits.size() % 2 != 0) {
-    return refuse(findings,
+    return refuse(findings, Rule::rendezvous_count_odd,
                   "ErrorA22. File Format Error: The number of the event IDs of the "
                   "rendezvouses is odd.");
   }
@@ -254,7 +251,7 @@ bool check_structure(const EventLists& lists, Findings& findings) {
     const int first = visits[k];
     const int second = visits[k + 1];
     if (second != first + 1 || lists.rendezvous_ids[k + 1] != lists.rendezvous_ids[k]) {
-      return refuse_line(findings, "ErrorA23. File Format Error on the line", second,
+      return refuse_line(findings, Rule::rendezvous_lines, "ErrorA23. File Format Error on the line", second,
                          ": The event IDs of one rendezvous do not appear in two adjacent "
                          "lines.");
     }
@@ -267,7 +264,7 @@ bool check_structure(const EventLists& lists, Findings& findings) {
 bool scan_solution(std::string_view text, Findings& findings, int& num_ships, ShipSink& sink,
                    const DeadlineClock::time_point* deadline, bool arcs_in_text) {
   if (text.empty()) {
-    return refuse(findings, "ErrorA02. File Open Error: The solution file is empty.");
+    return refuse(findings, Rule::empty_solution, "ErrorA02. File Open Error: The solution file is empty.");
   }
   EventLists lists;
   ShipInProgress ship(sink, findings.stop_at_first(), text, arcs_in_text);
@@ -300,14 +297,3 @@ bool read_solution(std::string_view text, std::vector<ShipClass>& ships, int& nu
 }
 
 }  // namespace kavren
-
-bool ReadSolutionFile(std::vector<ShipClass>& ships, int& num_ships, const char* file_name) {
-  std::string text;
-  if (!kavren::read_file_bytes(file_name, text)) {
-    std::cout << "ErrorA01. File Open Error: Cannot find the solution file." << std::endl;
-    kavren::end_run(1);
-  }
-  kavren::Findings findings(true);
-  kavren::read_solution(text, ships, num_ships, findings);
-  return kavren::announce(findings);
-}

@@ -9,9 +9,6 @@
 #include "records/findings.h"
 #include "records/records.h"
 
-// Prints at most one message; false on the first violation. A file that cannot be
-// opened ends the run with ErrorA01 (status 1).
-bool ReadSolutionFile(std::vector<ShipClass>& ships, int& num_ships, const char* file_name);
 
 namespace kavren {
 

@@ -9,47 +9,72 @@ namespace kavren {
 namespace {
 
 const RuleInfo kRules[] = {
-    {"epoch.mission_start", "Error001", "event epoch", "MJD", ">="},
-    {"epoch.mission_end", "Error002", "event epoch", "MJD", "<="},
-    {"epoch.event_order", "Error005", "time since the previous event", "day", ">"},
-    {"drop.excess_speed", "Error806", "excess speed at an Earth drop", "km/s", "<="},
-    {"launch.time", "Error501", "epoch difference of the two lines", "day", "<="},
-    {"launch.position", "Error502", "position difference of the two lines", "km", "<="},
-    {"launch.mass", "Error503", "mass difference of the two lines", "kg", "<="},
-    {"launch.initial_mass", "Error504", "initial mass", "kg", "<="},
-    {"launch.excess_speed", "Error505", "launch excess speed", "km/s", "<="},
-    {"launch.earth_position", "Error506", "position error to the Earth", "km", "<="},
-    {"launch.earth_velocity", "Error507", "velocity error to the Earth", "km/s", "<="},
-    {"flyby.time", "Error601", "epoch difference of the two lines", "day", "<="},
-    {"flyby.position", "Error602", "position difference of the two lines", "km", "<="},
-    {"flyby.mass", "Error603", "mass difference of the two lines", "kg", "<="},
-    {"flyby.planet_position", "Error604", "position error to the planet", "km", "<="},
-    {"flyby.speed_change", "Error607", "change of the excess speed", "km/s", "<="},
-    {"flyby.turn", "Error605", "turn angle of the excess velocity", "rad", "<="},
-    {"rendezvous.time", "Error701", "epoch difference of the two lines", "day", "<="},
-    {"rendezvous.position", "Error702", "position difference of the two lines", "km", "<="},
-    {"rendezvous.velocity", "Error703", "velocity difference of the two lines", "km/s", "<="},
-    {"rendezvous.asteroid_position", "Error704", "position error to the asteroid", "km", "<="},
-    {"rendezvous.asteroid_velocity", "Error705", "velocity error to the asteroid", "km/s", "<="},
-    {"ship.resource_balance", "Error801", "resources carried but not dropped", "kg", "<="},
-    {"ship.miners", "Error807", "miners used by the ship", "miners", "<="},
-    {"ship.final_mass", "Error901", "final mass without resources", "kg", ">="},
-    {"mining.interval", "Error802", "time between deploying and collecting", "day", ">="},
-    {"mining.miner_mass", "Error803", "mass left with the miner, off 40 kg", "kg", "<="},
-    {"mining.collected_mass", "Error804", "resources collected", "kg", "<="},
-    {"mining.collected_something", "Error804", "resources collected", "kg", ">"},
-    {"mining.rendezvous", "Error805", "rendezvous with one asteroid", "rendezvous", "<="},
-    {"thrust.magnitude", "Error401", "thrust magnitude", "N", "<="},
-    {"thrust.step_order", "ErrorA07", "time between thrust lines", "day", ">="},
-    {"thrust.step_length", "ErrorA08", "time between thrust lines", "day", "<="},
+    {"epoch.mission_start", "Error001", "event epoch", "MJD", ">=", 0},
+    {"epoch.mission_end", "Error002", "event epoch", "MJD", "<=", 0},
+    {"epoch.event_order", "Error005", "time since the previous event", "day", ">", 0},
+    {"drop.excess_speed", "Error806", "excess speed at an Earth drop", "km/s", "<=", 0},
+    {"launch.time", "Error501", "epoch difference of the two lines", "day", "<=", 0},
+    {"launch.position", "Error502", "position difference of the two lines", "km", "<=", 0},
+    {"launch.mass", "Error503", "mass difference of the two lines", "kg", "<=", 0},
+    {"launch.initial_mass", "Error504", "initial mass", "kg", "<=", 0},
+    {"launch.excess_speed", "Error505", "launch excess speed", "km/s", "<=", 0},
+    {"launch.earth_position", "Error506", "position error to the Earth", "km", "<=", 0},
+    {"launch.earth_velocity", "Error507", "velocity error to the Earth", "km/s", "<=", 0},
+    {"flyby.time", "Error601", "epoch difference of the two lines", "day", "<=", 0},
+    {"flyby.position", "Error602", "position difference of the two lines", "km", "<=", 0},
+    {"flyby.mass", "Error603", "mass difference of the two lines", "kg", "<=", 0},
+    {"flyby.planet_position", "Error604", "position error to the planet", "km", "<=", 0},
+    {"flyby.speed_change", "Error607", "change of the excess speed", "km/s", "<=", 0},
+    {"flyby.turn", "Error605", "turn angle of the excess velocity", "rad", "<=", 0},
+    {"rendezvous.time", "Error701", "epoch difference of the two lines", "day", "<=", 0},
+    {"rendezvous.position", "Error702", "position difference of the two lines", "km", "<=", 0},
+    {"rendezvous.velocity", "Error703", "velocity difference of the two lines", "km/s", "<=", 0},
+    {"rendezvous.asteroid_position", "Error704", "position error to the asteroid", "km", "<=", 0},
+    {"rendezvous.asteroid_velocity", "Error705", "velocity error to the asteroid", "km/s", "<=", 0},
+    {"ship.resource_balance", "Error801", "resources carried but not dropped", "kg", "<=", 0},
+    {"ship.miners", "Error807", "miners used by the ship", "miners", "<=", 0},
+    {"ship.final_mass", "Error901", "final mass without resources", "kg", ">=", 0},
+    {"mining.interval", "Error802", "time between deploying and collecting", "day", ">=", 0},
+    {"mining.miner_mass", "Error803", "mass left with the miner, off 40 kg", "kg", "<=", 0},
+    {"mining.collected_mass", "Error804", "resources collected", "kg", "<=", 0},
+    {"mining.collected_something", "Error804", "resources collected", "kg", ">", 0},
+    {"mining.rendezvous", "Error805", "rendezvous with one asteroid", "rendezvous", "<=", 0},
+    {"thrust.magnitude", "Error401", "thrust magnitude", "N", "<=", 0},
+    {"thrust.step_order", "ErrorA07", "time between thrust lines", "day", ">=", 0},
+    {"thrust.step_length", "ErrorA08", "time between thrust lines", "day", "<=", 0},
     {"arc.phase_start", "Error003", "start of a thrust phase after the state's epoch", "day",
-     ">="},
-    {"arc.end_order", "Error004", "end of the arc after the state's epoch", "day", ">="},
-    {"arc.sun_distance", "Error101", "distance to the Sun", "AU", ">="},
-    {"arc.end_position", "Error201", "position error at the arc's end", "km", "<="},
-    {"arc.end_velocity", "Error202", "velocity error at the arc's end", "km/s", "<="},
-    {"arc.end_mass", "Error203", "mass error at the arc's end", "kg", "<="},
-    {"fleet.ships", "Error301", "mining ships", "ships", "<="},
+     ">=", 0},
+    {"arc.end_order", "Error004", "end of the arc after the state's epoch", "day", ">=", 0},
+    {"arc.sun_distance", "Error101", "distance to the Sun", "AU", ">=", 1},
+    {"arc.end_position", "Error201", "position error at the arc's end", "km", "<=", 1},
+    {"arc.end_velocity", "Error202", "velocity error at the arc's end", "km/s", "<=", 1},
+    {"arc.end_mass", "Error203", "mass error at the arc's end", "kg", "<=", 1},
+    {"fleet.ships", "Error301", "mining ships", "ships", "<=", 3},
+    {"input.arguments", "Error000", "", "", "", 0},
+    {"input.catalogue_file", "ErrorA00", "", "", "", 1},
+    {"input.solution_file", "ErrorA01", "", "", "", 1},
+    {"output.score_file", "ErrorA00", "", "", "", 0},
+    {"format.empty_solution", "ErrorA02", "", "", "", 0},
+    {"format.line", "ErrorA09", "", "", "", 0},
+    {"format.event_id", "ErrorA10", "", "", "", 0},
+    {"format.arc_event_id", "ErrorA11", "", "", "", 0},
+    {"format.ship_id", "ErrorA12", "", "", "", 0},
+    {"grouping.launch_count", "ErrorA13", "", "", "", 0},
+    {"grouping.launch_start", "ErrorA14", "", "", "", 0},
+    {"grouping.launch_lines", "ErrorA15", "", "", "", 0},
+    {"grouping.venus_count", "ErrorA16", "", "", "", 0},
+    {"grouping.venus_lines", "ErrorA17", "", "", "", 0},
+    {"grouping.earth_count", "ErrorA18", "", "", "", 0},
+    {"grouping.earth_lines", "ErrorA19", "", "", "", 0},
+    {"grouping.mars_count", "ErrorA20", "", "", "", 0},
+    {"grouping.mars_lines", "ErrorA21", "", "", "", 0},
+    {"grouping.rendezvous_count", "ErrorA22", "", "", "", 0},
+    {"grouping.rendezvous_lines", "ErrorA23", "", "", "", 0},
+    {"grouping.arc_lines", "ErrorA03", "", "", "", 0},
+    {"thrust.first_line", "ErrorA03", "", "", "", 0},
+    {"thrust.zero_line", "ErrorA04", "", "", "", 0},
+    {"thrust.last_line", "ErrorA05", "", "", "", 0},
+    {"thrust.closing_line", "ErrorA06", "", "", "", 0},
 };
 static_assert(sizeof(kRules) / sizeof(kRules[0]) == static_cast<int>(Rule::count),
               "one entry per rule");
@@ -59,17 +84,6 @@ bool upper_bound(Rule rule) { return rule_info(rule).relation[0] == '<'; }
 }  // namespace
 
 const RuleInfo& rule_info(Rule rule) { return kRules[static_cast<int>(rule)]; }
-
-int exit_status_of(const std::string& code, const std::string& message) {
-  if (code == "Error301") return 3;
-  if (code == "Error101" || code == "Error201" || code == "Error202" || code == "Error203" ||
-      code == "ErrorA01") {
-    return 1;
-  }
-  // The catalogue's ErrorA00 ends with status 1, the score file's with 0.
-  if (code == "ErrorA00" && message.compare(0, 9, "ErrorA00:") == 0) return 1;
-  return 0;
-}
 
 std::string line_message(const char* prefix, long long line, const char* suffix) {
   std::string text(prefix);
@@ -117,24 +131,20 @@ void Findings::evaluate(Rule rule, bool holds, double value, double limit, long 
 
 bool Findings::fail(Rule rule, std::string message, std::initializer_list<long long> lines, int ship,
                     double value, double limit) {
+  const RuleInfo& info = rule_info(rule);
   Finding finding;
-  finding.code = message.substr(0, 8);
+  finding.code = info.code;
   finding.message = std::move(message);
+  finding.exit_status = info.exit_status;
   finding.lines.assign(lines.begin(), lines.end());
   finding.ship = ship;
-  if (rule != Rule::count) {
-    const RuleInfo& info = rule_info(rule);
+  if (rule < kFirstLayoutRule) {
     finding.quantity = info.quantity;
     finding.unit = info.unit;
     finding.value = value;
     finding.limit = limit;
     finding.margin = margin_of(rule, value, limit);
   }
-  return fail(std::move(finding));
-}
-
-bool Findings::fail(Finding finding) {
-  finding.exit_status = exit_status_of(finding.code, finding.message);
   finding.first = findings_.empty();
   findings_.push_back(std::move(finding));
   return !stop_at_first_;

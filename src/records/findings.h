@@ -13,7 +13,8 @@
 
 namespace kavren {
 
-// Every rule with a quantity, in the order a run checks them.
+// Every rule, one per message kavren-check can print. First the rules with a quantity, in
+// the order a run checks them; then the rules of the files' layout, which have none.
 enum class Rule : int {
   epoch_start, epoch_end, event_order, drop_speed,
   launch_time, launch_position, launch_mass, launch_initial_mass, launch_speed,
@@ -25,20 +26,28 @@ enum class Rule : int {
   thrust_magnitude, thrust_step_order, thrust_step_length,
   phase_start, arc_end_order, sun_distance, arc_position, arc_velocity, arc_mass,
   ship_count,
+  // Without a quantity: the arguments, the files, the solution's grammar and grouping,
+  // the layout of a thrust table.
+  arguments, catalogue_file, solution_file, score_file, empty_solution,
+  line_format, event_id, arc_event_id, ship_id,
+  launch_count, launch_start, launch_lines, venus_count, venus_lines, earth_count,
+  earth_lines, mars_count, mars_lines, rendezvous_count_odd, rendezvous_lines,
+  arc_line_count, thrust_first_line, thrust_zero_line, thrust_last_line, thrust_closing_line,
   count
 };
+// The first rule without a quantity.
+constexpr Rule kFirstLayoutRule = Rule::arguments;
 
+// One row of the rule catalogue.
 struct RuleInfo {
   const char* id;
-  const char* code;
-  const char* quantity;
+  const char* code;      // the message's code, "Error201"
+  const char* quantity;  // empty for a rule without a quantity
   const char* unit;
   const char* relation;  // value relation limit must hold: "<=", "<", ">=", ">"
+  int exit_status;       // kavren-check's exit status when this message is its verdict
 };
 const RuleInfo& rule_info(Rule rule);
-
-// kavren-check's exit status when a message with this code is its verdict.
-int exit_status_of(const std::string& code, const std::string& message);
 
 // The 1-based line number of a 0-based line index, in 64 bits so that no index overflows.
 inline long long printed_line(int index) { return static_cast<long long>(index) + 1; }
@@ -66,11 +75,10 @@ class Findings {
 
   // Records one evaluation only.
   void evaluate(Rule rule, bool holds, double value, double limit, long long line, int ship);
-  // A violation of `rule` (Rule::count: a rule without a quantity, e.g. the layout of a
-  // thrust table). Returns false when the checks must stop.
+  // A violation of `rule`, whose message carries the rule's code; value and limit stay
+  // NaN for a rule without a quantity. Returns false when the checks must stop.
   bool fail(Rule rule, std::string message, std::initializer_list<long long> lines, int ship,
             double value = kNotANumber, double limit = kNotANumber);
-  bool fail(Finding finding);
   void warn(std::string kind, std::string message, std::vector<long long> lines, int ship,
             std::string rule = {});
 

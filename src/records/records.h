@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "records/limits.h"
+#include "kavren/limits.h"
 
 // One decoded event line.
 struct StateStruct {

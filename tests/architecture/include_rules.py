@@ -1,12 +1,17 @@
 #!/usr/bin/env python3
-"""Checks the #include lines of src/ and include/ against the table of ARCHITECTURE.md:
-every edge between folders must be allowed there, and no file may reach itself."""
+"""Checks the project's #include lines against the table of ARCHITECTURE.md.
+
+Every folder of src/, include/ and tools/, and python/, bench/ and fuzz/ is a row of the
+table: an include of another folder's header must be allowed there, and no file may reach
+itself through includes. Outside the folders and files the table lets print (the "prints"
+column), no file writes to the standard streams."""
 import os
 import re
 import sys
 
 root = sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(__file__), "..", "..")
-allowed = {}
+
+allowed, prints = {}, set()
 in_table = False
 for line in open(os.path.join(root, "ARCHITECTURE.md"), encoding="utf-8"):
     if line.startswith("| folder | may include |"):
@@ -18,21 +23,48 @@ for line in open(os.path.join(root, "ARCHITECTURE.md"), encoding="utf-8"):
         cells = [c.strip() for c in line.strip().strip("|").split("|")]
         if cells[0].startswith("---"):
             continue
-        allowed[cells[0]] = {c.strip() for c in cells[1].split(",") if c.strip()} if len(cells) > 1 else set()
+        allowed[cells[0]] = {c.strip() for c in cells[1].split(",") if c.strip()}
+        # "yes": every file of the folder may print; otherwise the files named, if any.
+        for cell in (cells[2].split(",") if len(cells) > 2 else []):
+            name = cell.strip().strip("`")
+            if name:
+                prints.add(cells[0] if name == "yes" else cells[0] + "/" + name)
+
+# Each scanned folder: (its name in the table, its path, the prefix its includes carry).
+# Headers of src/, include/ and tools/ are included as "folder/file.h"; a file of python/,
+# bench/ or fuzz/ includes its own folder's headers by their bare names.
+folders = []
+for base in ("src", "include", "tools"):
+    for name in sorted(os.listdir(os.path.join(root, base))):
+        if os.path.isdir(os.path.join(root, base, name)):
+            folders.append((name, os.path.join(root, base, name)))
+for name in ("python", "bench", "fuzz"):
+    folders.append((name, os.path.join(root, name)))
 
 include = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
-files = {}
-for base in ("src", "include"):
-    for folder, _, names in os.walk(os.path.join(root, base)):
-        for name in names:
-            if name.endswith((".h", ".cpp")):
-                path = os.path.join(folder, name)
-                key = os.path.relpath(path, os.path.join(root, base))
-                files[key] = [m.group(1) for m in map(include.match, open(path, encoding="utf-8")) if m]
-
+# Writing to the standard streams: std::cout, std::cerr, std::clog, printf, puts, stdout...
+printing = re.compile(r"\bstd::(cout|cerr|clog)\b|(?<![\w:])(printf|puts|putchar)\s*\(|\b(stdout|stderr)\b")
+files = {}  # "folder/file" -> (folder, [included keys])
 errors = []
-for key, targets in sorted(files.items()):
-    here = key.split(os.sep)[0]
+for name, path in folders:
+    for here, _, names in os.walk(path):
+        if os.path.relpath(here, path).startswith("tests"):
+            continue  # python/tests: the module's tests, not its code
+        for file_name in names:
+            if not file_name.endswith((".h", ".cpp")):
+                continue
+            full = os.path.join(here, file_name)
+            key = name + "/" + os.path.relpath(full, path)
+            text = open(full, encoding="utf-8").read()
+            targets = [m.group(1) for m in map(include.match, text.splitlines()) if m]
+            targets = [t if "/" in t else name + "/" + t for t in targets]
+            files[key] = (name, targets)
+            if name not in prints and key not in prints:
+                code = re.sub(r"//[^\n]*|\"(\\.|[^\"\\])*\"", "", text)
+                if printing.search(code):
+                    errors.append(f"{key}: writes to a standard stream, but {name} may not print")
+
+for key, (here, targets) in sorted(files.items()):
     if here not in allowed:
         errors.append(f"{key}: folder '{here}' is not in the table")
         continue
@@ -43,9 +75,11 @@ for key, targets in sorted(files.items()):
 
 # Cycles between files.
 state = {}
+
+
 def visit(key, path):
     state[key] = 1
-    for target in files.get(key, []):
+    for target in files[key][1]:
         if target not in files:
             continue
         if state.get(target) == 1:
@@ -53,18 +87,52 @@ def visit(key, path):
         elif target not in state:
             visit(target, path + [target])
     state[key] = 2
+
+
 for key in sorted(files):
     if key not in state:
         visit(key, [key])
 
+# Cycles between units, a header and its source file taken as one: a.cpp including b.h
+# while b.cpp includes a.h makes the two one unit in fact, whatever the headers include.
+def unit(key):
+    return key.rsplit(".", 1)[0]
+
+
+edges = {}
+for key, (_, targets) in files.items():
+    for target in targets:
+        if target in files and unit(target) != unit(key):
+            edges.setdefault(unit(key), set()).add(unit(target))
+unit_state = {}
+
+
+def visit_unit(u, path):
+    unit_state[u] = 1
+    for v in sorted(edges.get(u, ())):
+        if unit_state.get(v) == 1:
+            errors.append("cycle between files: " + " -> ".join(path[path.index(v):] + [v]))
+        elif v not in unit_state:
+            visit_unit(v, path + [v])
+    unit_state[u] = 2
+
+
+for u in sorted(edges):
+    if u not in unit_state:
+        visit_unit(u, [u])
+
+
 # Cycles between folders in the table itself.
 def reaches(a, b, seen):
     return any(n == b or (n not in seen and reaches(n, b, seen | {n})) for n in allowed.get(a, ()))
+
+
 for folder in allowed:
     if reaches(folder, folder, {folder}):
         errors.append(f"the table lets {folder} reach itself")
 
 for e in errors:
     print(e)
-print(f"{len(files)} files, {sum(map(len, files.values()))} includes, {len(errors)} problems")
+count = sum(len(t) for _, t in files.values())
+print(f"{len(files)} files, {count} includes, {len(errors)} problems")
 sys.exit(1 if errors else 0)

@@ -12,6 +12,7 @@
 
 #include "astro/anomaly.h"
 #include "astro/elements.h"
+#include "console/checks.h"
 #include "events/encounters.h"
 #include "readers/catalogue.h"
 #include "support/two_body.h"

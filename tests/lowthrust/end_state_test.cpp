@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "console/checks.h"
 #include "lowthrust/arc_integration.h"
 #include "support/capture.h"
 

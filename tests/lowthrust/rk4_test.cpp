@@ -1,5 +1,6 @@
 // The fixed-step fourth-order integrator: local error order on an exact solution, and the
 // stepping driver's defined behaviour.
+#include "console/checks.h"
 #include "lowthrust/rk4.h"
 
 #include <gtest/gtest.h>

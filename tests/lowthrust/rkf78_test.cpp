@@ -1,5 +1,6 @@
 // The Fehlberg 7(8) integrator: tableau conditions, the order of its step and the
 // invariants of a coast against exact two-body motion, and the status flags of its driver.
+#include "console/checks.h"
 #include "lowthrust/rkf78.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 // The ship-count limit drawn from the average delivered mass, against the logarithmic
 // bound it states. The score file's bytes are compared whole by the end-to-end tables.
+#include "console/checks.h"
 #include "mining/score.h"
 
 #include <gtest/gtest.h>

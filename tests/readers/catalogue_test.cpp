@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "console/checks.h"
 #include "readers/catalogue.h"
 #include "support/e2e.h"
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "report/report_fixture.h"
-#include "report/report_json.h"
+#include "json/json_value.h"
 
 namespace kavren::test {
 namespace {

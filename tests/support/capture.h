@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "records/termination.h"
+#include "console/termination.h"
 
 namespace kavren::test {
 

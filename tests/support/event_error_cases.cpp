@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "astro/ephemeris.h"
+#include "console/checks.h"
 #include "support/error_case.h"
 
 namespace kavren::test {

@@ -34,7 +34,7 @@
 
 #include "kavren/verify.h"
 #include "report/render.h"
-#include "report/report_json.h"
+#include "kavren/json.h"
 
 namespace {
 

@@ -8,19 +8,16 @@
 #include <set>
 #include <string_view>
 
-#include "astro/ephemeris.h"
+#include "kavren/bodies.h"
+#include "kavren/limits.h"
 #include "kavren/verify.h"
 #include "report/render.h"
 
 namespace kavren::report {
 namespace {
 
-constexpr double kKmPerAu = 149597870.691;
-constexpr double kMissionStart = 64328.0;  // MJD
-constexpr double kMissionEnd = 69807.0;    // MJD
-// Drawn when the report holds no evaluated row for these rules.
-constexpr double kThrustCapN = 0.6;
-constexpr double kSunDistanceFloorAu = 0.3;
+constexpr double kMissionStart = kMissionStartMjd;
+constexpr double kMissionEnd = kMissionEndMjd;
 // Most findings and lines quoted on the page; the JSON report has them all.
 constexpr std::size_t kMaxFindingsShown = 2000;
 constexpr std::size_t kMaxLinesQuoted = 6;
@@ -201,9 +198,9 @@ std::string orbit_plot(const Report& r, const std::map<Place, std::string>& plac
     std::vector<std::pair<double, double>> path;
     for (int k = 0; k <= 180; ++k) {
       double rv[6] = {0, 0, 0, 0, 0, 0};
-      int flag = 0;
-      getrv_stats_asteroids(flag, rv, p.id, kMissionStart + p.period * k / 180.0);
-      if (flag == 1) path.emplace_back(rv[0] / kKmPerAu, rv[1] / kKmPerAu);
+      if (planet_state(p.id, kMissionStart + p.period * k / 180.0, rv)) {
+        path.emplace_back(rv[0] / kKmPerAu, rv[1] / kKmPerAu);
+      }
     }
     orbits.emplace_back(&p, std::move(path));
   }
@@ -432,9 +429,9 @@ std::string ship_plots(const Report& r, const ShipSummary& s,
       }
   if (!(t0 < t1)) return "<p class=\"note\">No states to plot for this ship.</p>";
 
-  double cap = limit_of(r, "Error401", "N", kThrustCapN);
-  double floor_au = limit_of(r, "Error101", "AU", kSunDistanceFloorAu);
-  if (floor_au == kSunDistanceFloorAu) {
+  double cap = limit_of(r, "Error401", "N", kThrustCap);
+  double floor_au = limit_of(r, "Error101", "AU", kMinSunDistance);
+  if (floor_au == kMinSunDistance) {
     const double km = limit_of(r, "Error101", "km", NAN);
     if (std::isfinite(km)) floor_au = km / kKmPerAu;
   }

@@ -39,7 +39,7 @@ StateStruct Builder::write_event(int event_id, double epoch, const double* r, co
 
 void Builder::check_at_body(int body, const StateStruct& s, double max_dv) const {
   double dr = 0.0, dv = 0.0;
-  err_state_ship(body, s, dr, dv);
+  kavren::state_error(body, s, catalogue_.rows(), dr, dv);
   if (!(dr <= 500.0) || !(dv <= max_dv)) {
     char what[160];
     std::snprintf(what, sizeof what, "ship %d misses body %d at MJD %.6f: %.3f km, %.3e km/s",
@@ -51,7 +51,7 @@ void Builder::check_at_body(int body, const StateStruct& s, double max_dv) const
 void Builder::launch(double epoch, const double* vinf, double mass) {
   double earth[6];
   int flag = 0;
-  getrv_stats_asteroids(flag, earth, 0, epoch);
+  kavren::body_state(flag, earth, 0, epoch, catalogue_.rows());
   write_event(0, epoch, earth, earth + 3, mass);
   const double v[3] = {earth[3] + vinf[0], earth[4] + vinf[1], earth[5] + vinf[2]};
   last_ = write_event(0, epoch, earth, v, mass);
@@ -91,13 +91,16 @@ void Builder::arc_to(double epoch, const std::vector<Phase>& phases) {
     }
     add_line(t, zero);
   }
-  int count = 0;
-  std::vector<int> starts, ends;
-  BurningArc layout = arc;
-  Test_LowThrustData(layout, count, starts, ends);
+  // The builder writes only arcs the check can integrate; anything else is its own fault.
+  kavren::Findings findings(true);
+  kavren::ArcPhases layout;
+  kavren::walk_thrust_table(arc, layout, findings, ship_);
   arc.end_state.epoch = arc.end_epoch;
   double reached[7];
-  kavren::integrate_arc(arc, count, starts, ends, reached);
+  if (findings.any() ||
+      !kavren::integrate_arc(arc, layout.count, layout.starts, layout.ends, reached, findings)) {
+    throw std::runtime_error("unverifiable arc: " + findings.findings().front().message);
+  }
   reached_.epoch = arc.end_epoch;
   for (int k = 0; k < 3; ++k) {
     reached_.r[k] = reached[k];
@@ -132,7 +135,7 @@ void Builder::collect(int asteroid, double mass) {
 void Builder::earth_drop() {
   StateStruct first = write_event(-3, reached_.epoch, reached_.r, reached_.v, reached_.mass);
   check_at_body(-3, first, 6.0);
-  if (!(get_vinf(-3, first) <= 6.0)) throw std::runtime_error("Earth drop too fast");
+  if (!(kavren::excess_speed(-3, first, catalogue_.rows()) <= 6.0)) throw std::runtime_error("Earth drop too fast");
   last_ = write_event(-3, reached_.epoch, first.r, first.v, first.mass - carried_);
   carried_ = 0.0;
   last_drop_[ship_] = last_.epoch;
@@ -142,7 +145,7 @@ void Builder::flyby(int body, const double* vout) {
   StateStruct first = write_event(body, reached_.epoch, reached_.r, reached_.v, reached_.mass);
   check_at_body(body, first, 10.0);
   // At the Earth a pass slow enough to unload counts as an unloading, also of nothing.
-  const bool drop = body == -3 && get_vinf(-3, first) <= 6.001;
+  const bool drop = body == -3 && kavren::excess_speed(-3, first, catalogue_.rows()) <= 6.001;
   const double mass = drop ? first.mass - carried_ : first.mass;
   last_ = write_event(body, reached_.epoch, first.r, vout, mass);
   check_flyby_rule(body, first, last_);
@@ -157,10 +160,10 @@ void Builder::flyby(int body, const double* vout) {
 // minimum radius allows.
 void Builder::check_flyby_rule(int body, const StateStruct& in, const StateStruct& out) const {
   double dr = 0.0, dv = 0.0;
-  err_state_ship(body, out, dr, dv);
+  kavren::state_error(body, out, catalogue_.rows(), dr, dv);
   double planet[6] = {0, 0, 0, 0, 0, 0};
   int flag = 0;
-  getrv_stats_asteroids(flag, planet, body, in.epoch);
+  kavren::body_state(flag, planet, body, in.epoch, catalogue_.rows());
   double vin[3], vout[3];
   for (int k = 0; k < 3; ++k) {
     vin[k] = in.v[k] - planet[3 + k];

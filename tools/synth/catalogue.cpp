@@ -71,11 +71,6 @@ Catalogue::Catalogue(std::uint64_t seed)
   first_planted_ = 1 + static_cast<int>(rng.next() % 40000);
   next_id_ = first_planted_;
   for (int k = 0; k < kavren::kNumAsteroids; ++k) pointers_[k] = rows_[k].data();
-  t_eles_asteroids = pointers_.data();
-}
-
-Catalogue::~Catalogue() {
-  if (t_eles_asteroids == pointers_.data()) t_eles_asteroids = nullptr;
 }
 
 int Catalogue::plant(const double* rv, double t) {

@@ -1,6 +1,6 @@
 // The synthetic asteroid catalogue: random plausible main-belt rows plus asteroids
-// planted on the ships' own trajectories. The table is installed as the verifier's
-// catalogue so the builder can check every encounter against the real ephemeris.
+// planted on the ships' own trajectories. The builder checks every encounter against the
+// verifier's ephemeris over these rows.
 #pragma once
 
 #include <array>
@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "astro/ephemeris.h"
 #include "synth/rng.h"
 
 namespace synth {
@@ -17,7 +18,6 @@ using Row = std::array<double, 7>;  // epoch, a (AU), e, i, RAAN, argp, M0 (degr
 class Catalogue {
  public:
   explicit Catalogue(std::uint64_t seed);
-  ~Catalogue();
   Catalogue(const Catalogue&) = delete;
   Catalogue& operator=(const Catalogue&) = delete;
 
@@ -25,6 +25,8 @@ class Catalogue {
   int plant(const double* rv, double t);
   std::string text() const;
   int planted() const { return next_id_ - first_planted_; }
+  // The rows as the verifier's ephemeris reads them.
+  kavren::AsteroidRows rows() const { return pointers_.data(); }
 
  private:
   std::vector<Row> rows_;

@@ -28,7 +28,7 @@ double earth_period_days() {
 void resonant_vinf(double epoch, double angle, double* vinf) {
   double earth[6];
   int flag = 0;
-  getrv_stats_asteroids(flag, earth, 0, epoch);
+  kavren::body_state(flag, earth, 0, epoch, nullptr);
   const double rn = std::sqrt(earth[0] * earth[0] + earth[1] * earth[1] + earth[2] * earth[2]);
   const double u[3] = {earth[0] / rn, earth[1] / rn, earth[2] / rn};
   const double* v = earth + 3;
@@ -93,7 +93,7 @@ double norm3(const double* v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2
 
 void body_state(int id, double t, double* rv) {
   int flag = 0;
-  getrv_stats_asteroids(flag, rv, id, t);
+  kavren::body_state(flag, rv, id, t, nullptr);  // planets need no catalogue
   if (flag == 0) throw std::runtime_error("no ephemeris");
 }
 
@@ -285,7 +285,7 @@ void build_thruster(Builder& b, double t0, Rng& rng) {
   b.begin_ship();
   double earth[6];
   int flag = 0;
-  getrv_stats_asteroids(flag, earth, 0, t0);
+  kavren::body_state(flag, earth, 0, t0, nullptr);
   const double vn = std::sqrt(earth[3] * earth[3] + earth[4] * earth[4] + earth[5] * earth[5]);
   const double vinf[3] = {3.0 * earth[3] / vn, 3.0 * earth[4] / vn, 3.0 * earth[5] / vn};
   b.launch(t0, vinf, 2800.0);

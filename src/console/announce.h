@@ -1,5 +1,5 @@
-// The printing form of the checks that carry the problem's historical names: they run
-// the check on a stopping collector and print its first finding on standard output.
+// The printing form of the checks in console/: each runs its check on a stopping
+// collector and prints the collector's first finding on standard output.
 #pragma once
 
 #include "records/findings.h"

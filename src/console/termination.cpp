@@ -1,4 +1,4 @@
-#include "records/termination.h"
+#include "console/termination.h"
 
 #include <iostream>
 

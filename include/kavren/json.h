@@ -1,4 +1,4 @@
-// The report of one verification as JSON: one object whose keys are the members of
+// The report of one verification as JSON (library kavren::json): one object whose keys are the members of
 // kavren::Report and its parts, in declaration order, after "schema". The sampled
 // trajectories and the run statistics are left out: they depend on the options and the
 // worker count, not on the solution. Non-finite numbers are written as null.
@@ -7,18 +7,12 @@
 
 #include <string>
 
-#include <nlohmann/json.hpp>
-
 #include "kavren/report.h"
 
 namespace kavren {
 
 // The version of the layout below; it changes when a field changes meaning or goes.
 inline constexpr int kReportSchema = 1;
-
-// The report as a JSON value. Its objects sort their keys; the text below keeps the
-// declaration order, with the same content.
-nlohmann::json report_to_json_value(const Report& report);
 
 // The report as JSON text; indent < 0 writes one line, otherwise that many spaces a level.
 std::string report_to_json(const Report& report, int indent = -1);

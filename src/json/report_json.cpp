@@ -1,4 +1,4 @@
-#include "report/report_json.h"
+#include "json/json_value.h"
 
 #include <cmath>
 

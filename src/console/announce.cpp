@@ -1,8 +1,8 @@
-#include "records/announce.h"
+#include "console/announce.h"
 
 #include <iostream>
 
-#include "records/termination.h"
+#include "console/termination.h"
 
 namespace kavren {
 

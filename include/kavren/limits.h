@@ -1,5 +1,6 @@
 // The limits and tolerances of the problem's rules, each named for what it limits and
-// defined once. Epochs in MJD (days), distances km, speeds km/s, masses kg, thrust N.
+// defined once: the checks test against these, and programs that show results draw them.
+// Epochs in MJD (days), distances km, speeds km/s, masses kg, thrust N.
 #pragma once
 
 namespace kavren {
@@ -17,7 +18,8 @@ constexpr double kMassTolerance = 0.001;       // kg; every mass compared: event
                                                // resource balance, miner, collection
                                                // allowance, arc end mass
 
-// Launch and Earth drops: 6.0 km/s as announced, tested with 0.001 km/s of margin.
+// Launch and Earth drops: 6.0 km/s as the messages state it, tested with 0.001 km/s of
+// margin.
 constexpr double kMaxExcessSpeed = 6.001;  // km/s
 constexpr double kMaxLaunchMass = 3000.0;  // kg
 
