@@ -61,8 +61,7 @@ int main(int argc, char** argv) {
   const kavren::Catalogue catalogue =
       kavren::Catalogue::from_file(folder + "/KAVREN_Asteroids_Data.txt");
   const std::vector<std::string> demo = lines_of(folder + "/Result.txt");
-  const char* const names[] = {"zero-time phases", "lines after the last event",
-                               "one-pair ships"};
+  const char* const names[] = {"zero-time phases", "lines after the last event", "one-pair ships"};
   kavren::Options options;
   options.workers = 1;
   for (int kind = 0; kind < 3; ++kind) {
@@ -73,13 +72,12 @@ int main(int argc, char** argv) {
       for (int r = 0; r < repetitions; ++r) {
         const auto start = std::chrono::steady_clock::now();
         const kavren::Report report = kavren::verify(catalogue, text, options);
-        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() -
-                                                            start).count());
+        best = std::min(
+            best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
         verdict = report.checker_output.substr(0, report.checker_output.find_first_of(".!"));
       }
-      std::printf("%-27s %8d lines: best of %d %8.1f ms, %6.1f ns per line  (%s)\n",
-                  names[kind], count, repetitions, 1e3 * best, 1e9 * best / count,
-                  verdict.c_str());
+      std::printf("%-27s %8d lines: best of %d %8.1f ms, %6.1f ns per line  (%s)\n", names[kind],
+                  count, repetitions, 1e3 * best, 1e9 * best / count, verdict.c_str());
     }
   }
   return 0;

@@ -75,9 +75,9 @@ int main(int argc, char** argv) {
     accepted += kavren::verify(catalogue, texts[k % texts.size()], options).accepted;
     if (k + 1 == 100) warm = resident_bytes();
   }
-  std::printf("%ld verifications (%ld accepted): resident memory %+.2f MB after the first 100, "
-              "%ld file descriptors before and %ld after\n",
-              verifications, accepted, (resident_bytes() - warm) / 1e6, descriptors,
-              open_descriptors());
+  std::printf(
+      "%ld verifications (%ld accepted): resident memory %+.2f MB after the first 100, "
+      "%ld file descriptors before and %ld after\n",
+      verifications, accepted, (resident_bytes() - warm) / 1e6, descriptors, open_descriptors());
   return 0;
 }

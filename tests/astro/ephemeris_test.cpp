@@ -137,8 +137,8 @@ TEST(FlybyTurn, ActualAndLargestTurnAngle) {
     double in, out, angle;  // speeds (km/s), turn (rad)
     bool ok;
   };
-  const Case cases[] = {{-3, 5.0, 2.0, 0.3, true},    {-4, 5.0, 5.0, kPi, true},
-                        {-4, 1.0, 5.0, 2.5, true},    {-2, 0.0011, 5.0, 1.2, true},
+  const Case cases[] = {{-3, 5.0, 2.0, 0.3, true},     {-4, 5.0, 5.0, kPi, true},
+                        {-4, 1.0, 5.0, 2.5, true},     {-2, 0.0011, 5.0, 1.2, true},
                         {-2, 0.0009, 5.0, 1.2, false}, {-3, 5.0, 0.0009, 1.2, false}};
   for (const Case& c : cases) {
     const double u[3] = {3.0, -4.0, 12.0};

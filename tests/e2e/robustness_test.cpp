@@ -236,23 +236,22 @@ std::vector<LineEdit> line_edits() {
     edits.push_back({std::string("ShipId") + id, [=](Lines& l) { l[0] = with_token(l[0], 0, id); },
                      ship_error});
   }
-  for (const char* value : {"1e400", "inf", "-INF"}) {  // line 4, the first thrust line
-    edits.push_back(
-        {std::string("Thrust") + value, [=](Lines& l) { l[3] = with_token(l[3], 4, value); },
-         "Error401. Thrust Magnitude Error on the line 4: The thrust magnitude is inf N, "
-         "greater than the maximum 0.6N.\n"});
-  }
+  // Numbers are read as the C library reads them (tests/readers/numbers_test.cpp): one row
+  // per value the checks meet, not per spelling of it.
+  edits.push_back({"ThrustMinusInfinity", [](Lines& l) { l[3] = with_token(l[3], 4, "-INF"); },
+                   "Error401. Thrust Magnitude Error on the line 4: The thrust magnitude is inf N, "
+                   "greater than the maximum 0.6N.\n"});  // line 4, the first thrust line
   const std::string later =
       "Error002. Event Time Error on the line3: The epoch is later than "
       "the mission's end time (69807 MJD).\n";
   const std::string earlier =
       "Error001. Event Time Error on the line3: The epoch is earlier "
       "than the mission's initial time (64328 MJD).\n";
-  for (const char* epoch : {"1e400", "inf", "INFINITY", "0x1p17"}) {
+  for (const char* epoch : {"1e400", "0x1p17"}) {
     edits.push_back({std::string("Epoch") + epoch,
                      [=](Lines& l) { l[arc] = with_token(l[arc], 2, epoch); }, later});
   }
-  for (const char* epoch : {"-1e400", "-inf", "-0", "0x1p-1074", "1e-400"}) {
+  for (const char* epoch : {"-inf", "-0", "0x1p-1074"}) {
     edits.push_back({std::string("Epoch") + epoch,
                      [=](Lines& l) { l[arc] = with_token(l[arc], 2, epoch); }, earlier});
   }

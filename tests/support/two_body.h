@@ -81,7 +81,7 @@ void rk4(const F& f, double t0, double dt, int n, double* y) {
 // eccentricity e = 1 + rp vinf^2 / mu, and its asymptotes are 2 asin(1 / e) apart.
 inline double largest_flyby_turn(int id, double vinf) {
   const double mu = id == -2 ? 324858.592 : id == -3 ? 398600.435436 : 42828.375214;  // km^3/s^2
-  const double radius = id == -2 ? 6051.0 : id == -3 ? 6378.0 : 3389.0;              // km
+  const double radius = id == -2 ? 6051.0 : id == -3 ? 6378.0 : 3389.0;               // km
   const double e = 1.0 + (radius + 300.0) * vinf * vinf / mu;
   return 2.0 * std::asin(1.0 / e);
 }
