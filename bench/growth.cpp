@@ -32,9 +32,9 @@ std::string with_ship(const std::string& line, const std::string& id) {
 
 std::string shape(const std::vector<std::string>& demo, int kind, int count) {
   std::string text;
-  if (kind == 0) {  // zero-time phases at the launch epoch, before the first arc's lines
+  if (kind == 0) {  // zero-time phases of three lines at the launch epoch, before the arc's own
     text = demo[0] + "\n" + demo[1] + "\n";
-    for (int k = 0; k < count; ++k) text += "1\t-1\t64411\t0\t0\t0\n";
+    for (int k = 0; k < count - count % 3; ++k) text += "1\t-1\t64411\t0\t0\t0\n";
     for (std::size_t i = 2; i < demo.size(); ++i) text += demo[i] + "\n";
   } else if (kind == 1) {  // arc lines after the last event
     for (const std::string& line : demo) text += line + "\n";
