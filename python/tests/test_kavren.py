@@ -174,17 +174,18 @@ def test_bad_calls_raise_clear_exceptions_and_print_nothing(demo, catalogue, cap
     assert capfd.readouterr() == ("", "")
 
 
-def test_threads_verify_in_parallel_with_identical_reports(demo, catalogue):
+def test_calls_in_parallel_and_in_turn_give_identical_reports(demo, catalogue):
     good = (demo / "Result.txt").read_text()
     bad, _ = multi_fault(good)
-    expected = {t: kavren.verify(t, catalogue, mode="all", threads=1).to_dict()
-                 for t in (good, bad)}
-    jobs = [(t, n) for t in (good, bad) for n in (1, 2, None)] * 3
+    kinds = [(t, m) for t in (good, bad, good[: len(good) // 3], "x\n") for m in ("first", "all")]
+    expected = {k: kavren.verify(k[0], catalogue, mode=k[1], threads=1).to_dict() for k in kinds}
+    assert expected[kinds[0]]["accepted"] and not expected[kinds[2]]["accepted"]
+    jobs = [(k, n) for k in kinds for n in (1, 2, None)] * 4
     with ThreadPoolExecutor(max_workers=4) as pool:
         reports = list(pool.map(
-            lambda job: kavren.verify(job[0], catalogue, mode="all", threads=job[1]), jobs))
-    for (text, _), report in zip(jobs, reports):
-        assert report.to_dict() == expected[text]
+            lambda job: kavren.verify(job[0][0], catalogue, mode=job[0][1], threads=job[1]), jobs))
+    for (kind, _), report in zip(jobs, reports):
+        assert report.outcome == "verified" and report.to_dict() == expected[kind]
 
 
 def test_trajectories_run_from_launch_to_the_last_event(demo, catalogue):

@@ -1,5 +1,6 @@
-"""The module under limits and load: the byte limit and the deadline, memory that
-cannot be had, unreadable paths, and resident memory over hundreds of calls.
+"""The module under limits: the byte limit and the deadline, memory that
+cannot be had and unreadable paths (bench/soak.py measures resident memory over many
+calls; test_kavren.py checks that they give one report).
 
 Run by CTest (python.pytest) beside test_kavren.py.
 """
@@ -47,11 +48,6 @@ def hostile(text):
     return "\n".join(lines) + "\n"
 
 
-def resident_bytes():
-    with open("/proc/self/statm") as statm:
-        return int(statm.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
-
-
 def test_limits_return_a_report_without_verdict(demo, bench):
     catalogue = kavren.Catalogue(demo / CATALOGUE)
     text = (demo / "Result.txt").read_bytes()
@@ -61,10 +57,11 @@ def test_limits_return_a_report_without_verdict(demo, bench):
     assert over.error == f"the solution holds {len(text)} bytes, more than the limit of {len(text) - 1}"
 
     slow = hostile((bench / "Result.txt").read_text())
+    # A millisecond: far less than reading the file takes.
     late = kavren.verify(slow, kavren.Catalogue(bench / CATALOGUE), mode="all", threads=1,
-                         deadline=0.2)
+                         deadline=0.001)
     assert late.outcome == "limit_reached"
-    assert late.error == "the deadline of 200 ms passed while the solution was verified"
+    assert late.error == "the deadline of 1 ms passed while the solution was verified"
 
     for bad in ({"max_bytes": 0}, {"deadline": 0.0}, {"deadline": float("nan")}):
         with pytest.raises(ValueError):
@@ -95,21 +92,3 @@ except MemoryError as e:
     assert (done.returncode, done.stdout) == (
         0, "MemoryError: out of memory while verifying the solution\n"), done.stderr
 
-
-def test_resident_memory_stays_flat_over_many_calls(demo):
-    catalogue = kavren.Catalogue(demo / CATALOGUE)
-    text = (demo / "Result.txt").read_text()
-    lines = text.splitlines()
-    failing = "\n".join(lines[:4] + [lines[4].replace("\t0\t0\t0", "\t0.7\t0\t0")] + lines[5:])
-    cases = [text, failing + "\n", text[: len(text) // 3], "x\n"]
-    calls = int(os.environ.get("KAVREN_SOAK_CALLS", "300"))
-    warm = calls // 10
-    for k in range(calls):
-        report = kavren.verify(cases[k % len(cases)], catalogue, mode=("first", "all")[k % 2],
-                               threads=1)
-        assert report.outcome == "verified"
-        if k + 1 == warm:
-            after_warm_up = resident_bytes()
-    growth = resident_bytes() - after_warm_up
-    print(f"python: {calls} calls, resident memory {growth / 1e6:+.2f} MB after {warm}")
-    assert growth < 5 << 20

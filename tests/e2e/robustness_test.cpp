@@ -236,23 +236,22 @@ std::vector<LineEdit> line_edits() {
     edits.push_back({std::string("ShipId") + id, [=](Lines& l) { l[0] = with_token(l[0], 0, id); },
                      ship_error});
   }
-  for (const char* value : {"1e400", "inf", "-INF"}) {  // line 4, the first thrust line
-    edits.push_back(
-        {std::string("Thrust") + value, [=](Lines& l) { l[3] = with_token(l[3], 4, value); },
-         "Error401. Thrust Magnitude Error on the line 4: The thrust magnitude is inf N, "
-         "greater than the maximum 0.6N.\n"});
-  }
+  // Numbers are read as the C library reads them (tests/readers/numbers_test.cpp): one row
+  // per value the checks meet, not per spelling of it.
+  edits.push_back({"ThrustMinusInfinity", [](Lines& l) { l[3] = with_token(l[3], 4, "-INF"); },
+                   "Error401. Thrust Magnitude Error on the line 4: The thrust magnitude is inf N, "
+                   "greater than the maximum 0.6N.\n"});  // line 4, the first thrust line
   const std::string later =
       "Error002. Event Time Error on the line3: The epoch is later than "
       "the mission's end time (69807 MJD).\n";
   const std::string earlier =
       "Error001. Event Time Error on the line3: The epoch is earlier "
       "than the mission's initial time (64328 MJD).\n";
-  for (const char* epoch : {"1e400", "inf", "INFINITY", "0x1p17"}) {
+  for (const char* epoch : {"1e400", "0x1p17"}) {
     edits.push_back({std::string("Epoch") + epoch,
                      [=](Lines& l) { l[arc] = with_token(l[arc], 2, epoch); }, later});
   }
-  for (const char* epoch : {"-1e400", "-inf", "-0", "0x1p-1074", "1e-400"}) {
+  for (const char* epoch : {"-inf", "-0", "0x1p-1074"}) {
     edits.push_back({std::string("Epoch") + epoch,
                      [=](Lines& l) { l[arc] = with_token(l[arc], 2, epoch); }, earlier});
   }
@@ -277,53 +276,37 @@ TEST(Robustness, EditsOfTheDemo) {
   }
 }
 
-// Found by fuzzing: a first line whose text is one token. It has no event ID.
-TEST(Robustness, FirstLineOfOneToken) {
+// A one-token first line of twelve or more characters: its event ID was read before its
+// token count was checked.
+TEST(Robustness, FirstLineOfOneLongToken) {
   expect_outcome(run_text(with_nul("-29.60`\0000216086973.5\t-2.258\n"), demo_scenario().catalogue),
                  line_message("ErrorA09. File Format Error on the line ", 1, kUnreasonable), 0);
 }
 
 // --- Size --------------------------------------------------------------------------
 
-// The three runs below are complexity guards: their CTest timeout (tests/CMakeLists.txt)
-// fails work that grows faster than the file.
-TEST(Robustness, AMillionArcLinesInOneArc) {
-  // 333,333 thrust phases of three zero-thrust lines at the launch epoch, placed before
-  // the first arc's own lines: each phase starts where the ship is (no coast) and lasts
-  // no time, so the ship's state and the rest of the check are unchanged.
+// Many lines of one kind give the outcome of the lines they add to: zero-time thrust phases
+// before the first arc (each starts where the ship is and lasts no time), arc lines after
+// the last event (they close no arc), ships of one launch pair each (alternating IDs, no
+// resources: at most 2 * exp(0) = 2 ships). bench_growth times these shapes at a million
+// lines.
+TEST(Robustness, ManyLinesOfOneKind) {
   const std::vector<std::string>& demo = demo_scenario().lines;
-  std::string text = demo[0] + "\n" + demo[1] + "\n";
-  const std::string zero_line = "1\t-1\t64411\t0\t0\t0\n";
-  text.reserve(text.size() + 999999 * zero_line.size() + 64 * 1024);
-  for (int k = 0; k < 999999; ++k) text += zero_line;
-  for (std::size_t i = 2; i < demo.size(); ++i) text += demo[i] + "\n";
-  const RunResult run = run_text(text, demo_scenario().catalogue);
-  expect_demo_outcome(run);
-}
-
-TEST(Robustness, AMillionLinesAfterTheLastEvent) {
-  // Arc lines after a ship's last event pair close no arc and are not checked.
-  std::vector<std::string> lines = demo_scenario().lines;
-  const std::string ship = tokens_of(lines.back())[0];
-  std::string text = joined(lines);
-  const std::string tail_line = ship + "\t-1\t69807\t1e400\tnan\t-0\n";
-  for (int k = 0; k < 1000000; ++k) text += tail_line;
-  const RunResult run = run_text(text, demo_scenario().catalogue);
-  expect_demo_outcome(run);
-}
-
-TEST(Robustness, HalfAMillionShips) {
-  // Ships are runs of lines with one ship ID: alternating IDs make every launch pair a
-  // ship of its own. No resources are delivered, so at most 2 * exp(0) = 2 ships.
   const std::vector<std::string> launch = launch_pair();
-  std::string text;
-  for (int ship = 0; ship < 500000; ++ship) {
-    const std::string id = ship % 2 == 0 ? "1" : "2";
-    text += with_token(launch[0], 0, id) + "\n" + with_token(launch[1], 0, id) + "\n";
+  const std::string ship = tokens_of(demo.back())[0];
+  constexpr int kCount = 9999;
+  std::string phases = demo[0] + "\n" + demo[1] + "\n", tail = joined(demo), ships;
+  for (int k = 0; k < kCount; ++k) {
+    phases += "1\t-1\t64411\t0\t0\t0\n";
+    tail += ship + "\t-1\t69807\t1e400\tnan\t-0\n";
+    const std::string id = k % 2 == 0 ? "1" : "2";
+    ships += with_token(launch[0], 0, id) + "\n" + with_token(launch[1], 0, id) + "\n";
   }
-  const RunResult run = run_text(text, demo_scenario().catalogue);
-  expect_outcome(run,
-                 "Error301. Mining Ship Number Error: The number of Mining Ships is 500000, "
+  for (std::size_t i = 2; i < demo.size(); ++i) phases += demo[i] + "\n";
+  expect_demo_outcome(run_text(phases, demo_scenario().catalogue));
+  expect_demo_outcome(run_text(tail, demo_scenario().catalogue));
+  expect_outcome(run_text(ships, demo_scenario().catalogue),
+                 "Error301. Mining Ship Number Error: The number of Mining Ships is 9999, "
                  "greater than the appropriable maximum number 2.\n",
                  3);
 }

@@ -76,6 +76,29 @@ void rk4(const F& f, double t0, double dt, int n, double* y) {
   }
 }
 
+// The largest turn of a flyby of planet `id` (-2 Venus, -3 Earth, -4 Mars) at excess speed
+// vinf (km/s): the hyperbola whose periapsis lies 300 km above the planet's radius has
+// eccentricity e = 1 + rp vinf^2 / mu, and its asymptotes are 2 asin(1 / e) apart.
+inline double largest_flyby_turn(int id, double vinf) {
+  const double mu = id == -2 ? 324858.592 : id == -3 ? 398600.435436 : 42828.375214;  // km^3/s^2
+  const double radius = id == -2 ? 6051.0 : id == -3 ? 6378.0 : 3389.0;               // km
+  const double e = 1.0 + (radius + 300.0) * vinf * vinf / mu;
+  return 2.0 * std::asin(1.0 / e);
+}
+
+// `v` of length `speed` turned by `angle` (rad) about an axis normal to it: a unit vector
+// along v x z (v must not point along z) turns v into v cos(angle) + (axis x v) sin(angle).
+inline void turned(const double* v, double speed, double angle, double* out) {
+  const double n = std::hypot(v[0], v[1]);
+  const double axis[3] = {v[1] / n, -v[0] / n, 0.0};
+  const double cross[3] = {axis[1] * v[2] - axis[2] * v[1], axis[2] * v[0] - axis[0] * v[2],
+                           axis[0] * v[1] - axis[1] * v[0]};
+  const double scale = speed / std::hypot(v[0], v[1], v[2]);
+  for (int k = 0; k < 3; ++k) {
+    out[k] = scale * (v[k] * std::cos(angle) + cross[k] * std::sin(angle));
+  }
+}
+
 // A heliocentric state 0.3..5 AU from the Sun in a random direction, moving in a random
 // direction at 0.2 to 1.8 times the local circular speed: ellipses and hyperbolas alike.
 inline void random_state(std::mt19937_64& rng, double* rv) {
