@@ -134,7 +134,8 @@ class EventMark:
 
     @property
     def kind(self) -> Literal["launch", "flyby", "rendezvous", "drop"]:
-        """The kind of event; "drop" is an Earth flyby that drops resources."""
+        """The kind of event; "drop" is an Earth flyby slow enough to drop resources (at most
+        6.001 km/s), which closes a group of the ship's ledger whatever its mass change."""
     @property
     def body_id(self) -> int:
         """The body's identifier."""

@@ -58,7 +58,9 @@ struct Warning {
 
 // An event of a ship as the file states it (the first line of its pair).
 struct EventMark {
-  std::string kind;  // "launch", "flyby", "rendezvous", "drop" (an Earth flyby that drops)
+  // "launch", "flyby", "rendezvous", "drop": an Earth flyby at or below 6.001 km/s, which
+  // closes a group of the ship's ledger whatever its mass change.
+  std::string kind;
   int body_id = 0;
   long long line = 0;  // 1-based
   double epoch = kNotANumber;
