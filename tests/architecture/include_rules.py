@@ -43,7 +43,8 @@ for name in ("python", "bench", "fuzz"):
 
 include = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 # Writing to the standard streams: std::cout, std::cerr, std::clog, printf, puts, stdout...
-printing = re.compile(r"\bstd::(cout|cerr|clog)\b|(?<![\w:])(printf|puts|putchar)\s*\(|\b(stdout|stderr)\b")
+printing = re.compile(r"\bstd::(cout|cerr|clog)\b|(?<![\w:])(printf|puts|putchar)\s*\("
+                      r"|\b(stdout|stderr)\b")
 files = {}  # "folder/file" -> (folder, [included keys])
 errors = []
 for name, path in folders:

@@ -45,7 +45,8 @@ check() {  # name description grep-pattern minimum-count
 check_page() {  # name findings-at-least
   local name=$1 findings=$2
   check "$name" "the page's script ran" 'data-ready="yes"' 1
-  if grep -q '<body[^>]*data-script-error' "$work/$name.dom" || grep -q 'Uncaught' "$work/$name.log"; then
+  if grep -q '<body[^>]*data-script-error' "$work/$name.dom" ||
+     grep -q 'Uncaught' "$work/$name.log"; then
     echo "FAIL $name: a script error occurred" >&2
     grep -o '<body[^>]*data-script-error="[^"]*"' "$work/$name.dom" >&2 || true
     grep 'Uncaught' "$work/$name.log" >&2 || true
