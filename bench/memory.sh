@@ -21,7 +21,8 @@ ship=$(tail -n 1 "$work/demo/Result.txt" | cut -f 1)
 {
   cat "$work/demo/Result.txt"
   # Blocks of 64 Ki identical lines, repeated up to the size.
-  line=$(printf '%s\t-1\t69807\t0.10000000000000001\t-0.20000000000000001\t0.29999999999999999' "$ship")
+  line=$(printf '%s\t-1\t69807\t%s\t%s\t%s' "$ship" \
+    0.10000000000000001 -0.20000000000000001 0.29999999999999999)
   block=$(yes "$line" | head -n 65536 || true)  # yes ends on a closed pipe
   block_bytes=$(( ${#block} + 1 ))
   for ((k = 0; k < size_mb * 1048576 / block_bytes; ++k)); do printf '%s\n' "$block"; done
