@@ -52,7 +52,7 @@ void read_arc_numbers(const BurningArc& arc, std::vector<double>& numbers) {
 }
 
 ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship, Findings& findings,
-                             std::string_view, bool arcs_in_text)
+                             bool arcs_in_text)
     : ordinal_(ordinal), ship_(ship), findings_(findings), arcs_in_text_(arcs_in_text) {
   ship_.ship_id = ordinal;
 }

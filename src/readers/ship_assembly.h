@@ -1,5 +1,5 @@
-// Builds one ShipClass from its lines, fed in file order after the whole file passed
-// the line and grouping checks.
+// Builds one ShipClass from its lines, fed in file order as the solution is read: each
+// line has passed its own checks, the grouping of the whole file is not known yet.
 #pragma once
 
 #include <string_view>
@@ -13,11 +13,10 @@ namespace kavren {
 class ShipAssembler {
  public:
   // Ship number `ordinal` (1-based), written into `ship`; violations go to `findings`.
-  // `text` is the whole solution, which the lines given to add_line are views into.
-  // With `arcs_in_text` each arc keeps its lines as text (BurningArc::text), which the
-  // solution must outlive; otherwise their numbers fill the arc's `lines` and `values`.
-  ShipAssembler(int ordinal, ShipClass& ship, Findings& findings, std::string_view text,
-                bool arcs_in_text = false);
+  // With `arcs_in_text` each arc keeps its lines as text (BurningArc::text), views into
+  // the solution's text, which must outlive the ship; otherwise their numbers fill the
+  // arc's `lines` and `values`.
+  ShipAssembler(int ordinal, ShipClass& ship, Findings& findings, bool arcs_in_text = false);
 
   // One line of the ship: its 0-based file index, its trimmed text and the tokens of
   // that text. The first two are the launch pair; then event pairs with burning-arc

@@ -123,14 +123,14 @@ constexpr int kLinesBetweenDeadlineChecks = 4096;
 // The ship being assembled, handed to the sink when its last line has been read.
 class ShipInProgress {
  public:
-  ShipInProgress(ShipSink& sink, bool stop_at_first, std::string_view text, bool arcs_in_text)
-      : sink_(sink), stop_at_first_(stop_at_first), arcs_in_text_(arcs_in_text), text_(text) {}
+  ShipInProgress(ShipSink& sink, bool stop_at_first, bool arcs_in_text)
+      : sink_(sink), stop_at_first_(stop_at_first), arcs_in_text_(arcs_in_text) {}
 
   bool assembling() const { return !ended_; }
   void start(int ordinal) {
     ship_ = ShipClass();
     found_ = Findings(stop_at_first_);
-    assembler_.emplace(ordinal, ship_, found_, text_, arcs_in_text_);
+    assembler_.emplace(ordinal, ship_, found_, arcs_in_text_);
   }
   void add(int index, std::string_view text, const std::vector<std::string_view>& tokens) {
     if (!assembler_) return;
@@ -154,7 +154,6 @@ class ShipInProgress {
   ShipSink& sink_;
   bool stop_at_first_;
   bool arcs_in_text_;
-  std::string_view text_;
   ShipClass ship_;
   Findings found_{true};
   std::optional<ShipAssembler> assembler_;
@@ -267,7 +266,7 @@ bool scan_solution(std::string_view text, Findings& findings, int& num_ships, Sh
     return refuse(findings, Rule::empty_solution, "ErrorA02. File Open Error: The solution file is empty.");
   }
   EventLists lists;
-  ShipInProgress ship(sink, findings.stop_at_first(), text, arcs_in_text);
+  ShipInProgress ship(sink, findings.stop_at_first(), arcs_in_text);
   if (!read_lines(text, lists, findings, ship, deadline)) return false;
   if (findings.stopped()) return false;
   if (!check_structure(lists, findings)) return false;
