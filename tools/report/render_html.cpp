@@ -632,38 +632,62 @@ std::string legend(const Report& r) {
 }
 
 const char* const kStyle = R"(
-body{font:14px/1.45 system-ui,-apple-system,"Segoe UI",Roboto,Helvetica,Arial,sans-serif;margin:0;color:#1d2330;background:#f3f4f7}
+body{font:14px/1.45 system-ui,-apple-system,"Segoe UI",Roboto,Helvetica,Arial,sans-serif;margin:0;
+color:#1d2330;background:#f3f4f7}
 main{max-width:1180px;margin:0 auto;padding:18px 24px 60px}
-h1{font-size:22px;margin:8px 0 2px}h2{font-size:19px;margin:0 0 10px;display:flex;gap:12px;align-items:center}
+h1{font-size:22px;margin:8px 0 2px}h2{font-size:19px;margin:0 0 10px;display:flex;gap:12px;
+align-items:center}
 h3{font-size:15px;margin:22px 0 8px;color:#39425a;text-transform:uppercase;letter-spacing:.04em}
-section.solution{background:white;border-radius:10px;box-shadow:0 1px 3px #0002;padding:18px 22px;margin:18px 0}
-.badge{font-size:13px;padding:2px 10px;border-radius:12px;color:white}.badge.ok{background:#1f8a4c}.badge.fail{background:#c62f2f}.badge.warn{background:#b7791f}
-pre{font:12.5px/1.4 ui-monospace,SFMono-Regular,Menlo,Consolas,monospace;white-space:pre-wrap;word-break:break-all;margin:0}
-pre.verdict{background:#f6f7fa;border-left:4px solid #1f8a4c;padding:8px 12px}pre.verdict.fail{border-color:#c62f2f;background:#fdf3f3}
-table{border-collapse:collapse;width:100%;font-size:13px}th{text-align:left;font-weight:600;color:#4a5470;border-bottom:2px solid #dde1ea;padding:4px 8px}
-td{padding:3px 8px;border-bottom:1px solid #eef0f4;vertical-align:top}td.num{text-align:right;font-variant-numeric:tabular-nums;white-space:nowrap}
-tr.fail td{background:#fdf0f0}tr.fail td.result{color:#c62f2f;font-weight:600}tr.pass td.result{color:#1f8a4c}
-tr.finding td{border-bottom:none;padding-top:8px}tr.finding td.code{color:#c62f2f;font-weight:600;white-space:nowrap}
+section.solution{background:white;border-radius:10px;box-shadow:0 1px 3px #0002;padding:18px 22px;
+margin:18px 0}
+.badge{font-size:13px;padding:2px 10px;border-radius:12px;color:white}
+.badge.ok{background:#1f8a4c}.badge.fail{background:#c62f2f}.badge.warn{background:#b7791f}
+pre{font:12.5px/1.4 ui-monospace,SFMono-Regular,Menlo,Consolas,monospace;white-space:pre-wrap;
+word-break:break-all;margin:0}
+pre.verdict{background:#f6f7fa;border-left:4px solid #1f8a4c;padding:8px 12px}
+pre.verdict.fail{border-color:#c62f2f;background:#fdf3f3}
+table{border-collapse:collapse;width:100%;font-size:13px}
+th{text-align:left;font-weight:600;color:#4a5470;border-bottom:2px solid #dde1ea;padding:4px 8px}
+td{padding:3px 8px;border-bottom:1px solid #eef0f4;vertical-align:top}
+td.num{text-align:right;font-variant-numeric:tabular-nums;white-space:nowrap}
+tr.fail td{background:#fdf0f0}tr.fail td.result{color:#c62f2f;font-weight:600}
+tr.pass td.result{color:#1f8a4c}
+tr.finding td{border-bottom:none;padding-top:8px}
+tr.finding td.code{color:#c62f2f;font-weight:600;white-space:nowrap}
 .tag{font-size:11px;background:#c62f2f;color:white;border-radius:8px;padding:0 6px;font-weight:500}
-tr.detail td{padding-bottom:10px}.message{font-family:ui-monospace,Menlo,Consolas,monospace;font-size:12px;color:#5a2020}
+tr.detail td{padding-bottom:10px}.message{font-family:ui-monospace,Menlo,Consolas,monospace;
+font-size:12px;color:#5a2020}
 pre.quoted{background:#f6f7fa;border-radius:4px;padding:4px 8px;margin-top:4px;color:#333}
-.none,.note{color:#667}ul.warnings{margin:0;padding-left:18px}.warnings .kind{font-weight:600;color:#9a5b00}
+.none,.note{color:#667}ul.warnings{margin:0;padding-left:18px}
+.warnings .kind{font-weight:600;color:#9a5b00}
 .plots{display:flex;flex-wrap:wrap;gap:16px;align-items:flex-start}svg{max-width:100%;height:auto}
-.legend{display:flex;flex-wrap:wrap;gap:6px 14px;font-size:12px;max-width:500px;align-content:flex-start}.legend .key{display:inline-flex;gap:4px;align-items:center}
-.ships-toggle{display:flex;flex-wrap:wrap;gap:2px 8px;margin-top:6px}.ships-toggle label{display:inline-flex;align-items:center;gap:3px;cursor:pointer}
+.legend{display:flex;flex-wrap:wrap;gap:6px 14px;font-size:12px;max-width:500px;
+align-content:flex-start}
+.legend .key{display:inline-flex;gap:4px;align-items:center}
+.ships-toggle{display:flex;flex-wrap:wrap;gap:2px 8px;margin-top:6px}
+.ships-toggle label{display:inline-flex;align-items:center;gap:3px;cursor:pointer}
 .swatch{display:inline-block;width:10px;height:10px;border-radius:2px;margin-right:4px}
-svg .grid{fill:none;stroke:#e3e6ee;stroke-width:1}svg .tick{font-size:10px;fill:#778}svg .planet{fill:none;stroke:#9aa3b8;stroke-width:1;stroke-dasharray:4 3}
-svg .planet-name{font-size:11px;fill:#6a7390}svg .track{fill:none;stroke-width:1.3;opacity:.85}svg .track.unsampled{stroke-dasharray:5 4}
-svg .violated,.violated{fill:none;stroke:#e02424;stroke-width:2.5}svg .label{font-size:11px;fill:#445}
+svg .grid{fill:none;stroke:#e3e6ee;stroke-width:1}
+svg .tick{font-size:10px;fill:#778}svg .planet{fill:none;stroke:#9aa3b8;stroke-width:1;
+stroke-dasharray:4 3}
+svg .planet-name{font-size:11px;fill:#6a7390}svg .track{fill:none;stroke-width:1.3;opacity:.85}
+svg .track.unsampled{stroke-dasharray:5 4}
+svg .violated,.violated{fill:none;stroke:#e02424;stroke-width:2.5}
+svg .label{font-size:11px;fill:#445}
 svg .frame{fill:#fbfbfd;stroke:#dde1ea}svg .panel-title{font-size:12px;fill:#39425a;font-weight:600}
-svg .series{fill:none;stroke-width:1.3}svg .limit{stroke:#e02424;stroke-width:1.2;stroke-dasharray:6 4}svg .violated-at{stroke:#e02424;stroke-width:1.5;opacity:.7}
-details{margin:6px 0;border:1px solid #e6e8ef;border-radius:6px;padding:4px 10px}summary{cursor:pointer;font-weight:600}
+svg .series{fill:none;stroke-width:1.3}svg .limit{stroke:#e02424;stroke-width:1.2;
+stroke-dasharray:6 4}
+svg .violated-at{stroke:#e02424;stroke-width:1.5;opacity:.7}
+details{margin:6px 0;border:1px solid #e6e8ef;border-radius:6px;padding:4px 10px}
+summary{cursor:pointer;font-weight:600}
 .hidden{display:none}
 )";
 
 // Ticking a ship in the legend shows or hides it on the orbit plot and the timeline.
 const char* const kScript = R"(
-window.addEventListener('error',function(e){document.body.setAttribute('data-script-error',String(e.message));});
+window.addEventListener('error',function(e){document.body.setAttribute('data-script-error',
+String(e.message));
+});
 document.querySelectorAll('.ships-toggle input').forEach(function(box){
   box.addEventListener('change',function(){
     var section=box.closest('section');
