@@ -105,7 +105,8 @@ int main() {
     const auto begin = Clock::now();
     for (int i = 0; i < calls; ++i) {
       // Stride through the year so that successive calls land on different intervals.
-      const double t = t0 + span * static_cast<double>((static_cast<long long>(i) * 7919) % calls) / calls;
+      const double t =
+          t0 + span * static_cast<double>((static_cast<long long>(i) * 7919) % calls) / calls;
       model(t, y, dy);
       sink += dy[6];
     }

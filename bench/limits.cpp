@@ -62,10 +62,11 @@ int main(int argc, char** argv) {
         worst = std::max(worst, s);
         sum += s;
       }
-      std::printf("  deadline %4d ms: limit reached %d/%d, mean %.1f ms, worst %.1f ms, "
-                  "worst overshoot %+.1f%%\n",
-                  ms, reached, repetitions, 1e3 * sum / repetitions, 1e3 * worst,
-                  100.0 * (worst * 1e3 - ms) / ms);
+      std::printf(
+          "  deadline %4d ms: limit reached %d/%d, mean %.1f ms, worst %.1f ms, "
+          "worst overshoot %+.1f%%\n",
+          ms, reached, repetitions, 1e3 * sum / repetitions, 1e3 * worst,
+          100.0 * (worst * 1e3 - ms) / ms);
     }
   }
   return 0;

@@ -160,9 +160,10 @@ int main(int argc, char** argv) {
   std::printf("  ship count       %9.2f\n", column(&StageTimes::count));
   std::printf("  stages together  %9.2f\n", stages);
   std::printf("  verify call      %9.2f  (catalogue excluded)\n", column(&StageTimes::verify));
-  std::printf("  kavren-check     %9.2f  (whole process, stages overlapping; %+.2f against "
-              "the stages together)\n",
-              column(&StageTimes::process), column(&StageTimes::process) - stages);
+  std::printf(
+      "  kavren-check     %9.2f  (whole process, stages overlapping; %+.2f against "
+      "the stages together)\n",
+      column(&StageTimes::process), column(&StageTimes::process) - stages);
   std::printf("derivative evals   %llu\n",
               static_cast<unsigned long long>(runs.empty() ? 0 : runs.back().evaluations));
   std::printf("peak resident      %.1f MB (this program)\n", usage.ru_maxrss / 1024.0);

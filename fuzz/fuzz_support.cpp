@@ -22,8 +22,8 @@ const std::string& workdir() {
   static const std::string dir = [] {
     // Under $TMPDIR when set, so that the script can remove what a run leaves behind.
     const char* base = std::getenv("TMPDIR");
-    std::string pattern = std::string(base != nullptr && *base != '\0' ? base : "/tmp") +
-                          "/kavren-fuzz-XXXXXX";
+    std::string pattern =
+        std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/kavren-fuzz-XXXXXX";
     if (mkdtemp(&pattern[0]) == nullptr || chdir(pattern.c_str()) != 0) std::abort();
     static NullBuffer sink;
     std::cout.rdbuf(&sink);

@@ -17,8 +17,8 @@ std::unique_ptr<kavren::Catalogue> g_catalogue;
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   const char* catalogue = std::getenv("KAVREN_FUZZ_CATALOGUE");
   kavren::fuzz::workdir();
-  g_catalogue = std::make_unique<kavren::Catalogue>(kavren::Catalogue::from_file(
-      catalogue != nullptr ? catalogue : "KAVREN_Asteroids_Data.txt"));
+  g_catalogue = std::make_unique<kavren::Catalogue>(
+      kavren::Catalogue::from_file(catalogue != nullptr ? catalogue : "KAVREN_Asteroids_Data.txt"));
   return 0;
 }
 

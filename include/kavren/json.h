@@ -1,5 +1,5 @@
-// The report of one verification as JSON (library kavren::json): one object whose keys are the members of
-// kavren::Report and its parts, in declaration order, after "schema". The sampled
+// The report of one verification as JSON (library kavren::json): one object whose keys are the
+// members of kavren::Report and its parts, in declaration order, after "schema". The sampled
 // trajectories and the run statistics are left out: they depend on the options and the
 // worker count, not on the solution. Non-finite numbers are written as null.
 // docs/report-schema.md describes every field.

@@ -29,14 +29,14 @@ constexpr double kFlybyTurnMargin = 1e-30;  // rad
 constexpr double kMinTurnSpeed = 0.001;     // km/s
 
 // Mining.
-constexpr double kMinerMass = 40.0;      // kg left behind at a first rendezvous
+constexpr double kMinerMass = 40.0;  // kg left behind at a first rendezvous
 constexpr int kMaxMinersPerShip = 20;
-constexpr double kDryMass = 500.0;       // kg, the smallest final mass without resources
+constexpr double kDryMass = 500.0;  // kg, the smallest final mass without resources
 // A hair below a Julian year, so that exactly 365.25 days (and any rounding error below
 // 1e-8 days) still counts as a full year of mining.
 constexpr double kMinMiningInterval = 365.24999999;  // days
-constexpr double kMinedPerYear = 10.0;                // kg a miner gathers per year
-constexpr double kJulianYear = 365.25;                // days of that year
+constexpr double kMinedPerYear = 10.0;               // kg a miner gathers per year
+constexpr double kJulianYear = 365.25;               // days of that year
 
 // Fleet size: up to 2 exp(kShipGrowthPerKg * average delivered mass) ships.
 constexpr double kShipGrowthPerKg = 0.004;
@@ -50,8 +50,8 @@ constexpr double kSameEpoch = 1e-08;             // days, two lines closer are s
 constexpr double kThrustStep = 1.0;              // day between thrust lines
 
 // Arcs.
-constexpr double kMinSunDistance = 0.3;          // AU
-constexpr double kArcOrderTolerance = -1e-08;    // TU (about 0.05 s) a phase may start
-                                                 // before the state's epoch
+constexpr double kMinSunDistance = 0.3;        // AU
+constexpr double kArcOrderTolerance = -1e-08;  // TU (about 0.05 s) a phase may start
+                                               // before the state's epoch
 
 }  // namespace kavren

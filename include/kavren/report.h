@@ -16,26 +16,26 @@ inline constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
 // One violated rule.
 struct Finding {
-  std::string code;         // "Error704", "ErrorA03" ...
-  std::string message;      // the exact text kavren-check prints for it, newline included
+  std::string code;              // "Error704", "ErrorA03" ...
+  std::string message;           // the exact text kavren-check prints for it, newline included
   std::vector<long long> lines;  // 1-based lines of the solution file it concerns
-  int ship = 0;             // 1-based ordinal of the ship, 0 when none
-  std::string quantity;     // what was compared, e.g. "position error to the asteroid"
+  int ship = 0;                  // 1-based ordinal of the ship, 0 when none
+  std::string quantity;          // what was compared, e.g. "position error to the asteroid"
   double value = kNotANumber;
   double limit = kNotANumber;
   double margin = kNotANumber;  // signed, in `unit`; negative means violated
   std::string unit;
-  bool first = false;       // the finding kavren-check prints
-  int exit_status = 0;      // kavren-check's exit status when this finding is first
+  bool first = false;   // the finding kavren-check prints
+  int exit_status = 0;  // kavren-check's exit status when this finding is first
 };
 
 // One rule the solution was checked against, over all its evaluations.
 struct Constraint {
-  std::string rule;         // stable identifier, e.g. "rendezvous.position"
-  std::string code;         // the message code of a violation, e.g. "Error704"
+  std::string rule;  // stable identifier, e.g. "rendezvous.position"
+  std::string code;  // the message code of a violation, e.g. "Error704"
   std::string quantity;
   std::string unit;
-  std::string relation;     // "<=", ">=", "<", ">": value relation limit must hold
+  std::string relation;  // "<=", ">=", "<", ">": value relation limit must hold
   std::uint64_t evaluations = 0;
   std::uint64_t violations = 0;
   double worst = kNotANumber;   // the value with the smallest margin (NaN: none evaluated)
@@ -43,7 +43,7 @@ struct Constraint {
   double margin = kNotANumber;  // its margin
   long long line = 0;           // where the worst value was met (1-based, 0: none)
   int ship = 0;
-  bool passed = true;           // no evaluation violated the rule
+  bool passed = true;  // no evaluation violated the rule
 };
 
 // Something that passes only by accident of the rules.
@@ -53,7 +53,7 @@ struct Warning {
   std::string message;  // one sentence for people
   std::vector<long long> lines;
   int ship = 0;
-  std::string rule;     // the constraint concerned, when there is one
+  std::string rule;  // the constraint concerned, when there is one
 };
 
 // An event of a ship as the file states it (the first line of its pair).
@@ -70,8 +70,8 @@ struct EventMark {
 
 struct ShipSummary {
   int ship = 0;
-  double launch_epoch = kNotANumber;     // MJD
-  double final_mass = kNotANumber;       // kg
+  double launch_epoch = kNotANumber;  // MJD
+  double final_mass = kNotANumber;    // kg
   int miners = 0;
   double resources = 0.0;                // kg collected at rendezvous
   double last_drop_epoch = kNotANumber;  // MJD of the last Earth drop; NaN without one
@@ -125,7 +125,7 @@ struct Report {
   std::vector<Constraint> constraints;    // one row per rule, in the order of the checks
   std::vector<Warning> warnings;
   Summary summary;
-  std::vector<Trajectory> trajectories;   // one per ship when asked for, else empty
+  std::vector<Trajectory> trajectories;  // one per ship when asked for, else empty
   Statistics statistics;
 };
 

@@ -27,7 +27,9 @@ constexpr const char* kScoreFile = "./ScoreData.txt";
 // The run could not be finished (memory could not be had): no verdict was reached.
 constexpr int kResourceFailure = 4;
 
-int exit_status(Rule rule) { return rule_info(rule).exit_status; }
+int exit_status(Rule rule) {
+  return rule_info(rule).exit_status;
+}
 
 int print(const std::string& text, int status) {
   std::cout << text;

@@ -22,7 +22,9 @@ class AsteroidTable {
   AsteroidTable(const AsteroidTable&) = delete;
   AsteroidTable& operator=(const AsteroidTable&) = delete;
   // Row of asteroid id (1..60000).
-  double* row(int id) { return data_.data() + static_cast<std::size_t>(id - 1) * kCatalogueColumns; }
+  double* row(int id) {
+    return data_.data() + static_cast<std::size_t>(id - 1) * kCatalogueColumns;
+  }
   AsteroidRows rows() const { return rows_.data(); }
   // The row pointers, writable, for the process-wide table t_eles_asteroids.
   double** mutable_rows() { return rows_.data(); }

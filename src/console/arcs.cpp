@@ -4,11 +4,11 @@
 #include "console/announce.h"
 #include "console/checks.h"
 #include "console/termination.h"
-#include "records/findings.h"
 #include "lowthrust/arc_data.h"
 #include "lowthrust/arc_integration.h"
 #include "lowthrust/arc_stage.h"
 #include "lowthrust/dynamics.h"
+#include "records/findings.h"
 
 namespace {
 

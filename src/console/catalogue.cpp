@@ -1,13 +1,14 @@
 // The process-wide catalogue and its loading.
+#include "readers/catalogue.h"
+
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "console/checks.h"
 #include "console/termination.h"
-#include "records/findings.h"
-#include "readers/catalogue.h"
 #include "readers/file_bytes.h"
+#include "records/findings.h"
 
 namespace {
 

@@ -51,8 +51,7 @@ void LowThrustDy(double t, const double* y, double* dy, const double* para);
 
 // Gathers every rendezvous by asteroid and checks each deploy-then-collect pair.
 bool CheckVisitDm(std::vector<ShipClass>& ships, int num_ships,
-                  std::vector<DmStructAsteroid>& asteroid_table,
-                  std::vector<StoreDmStruct>& store);
+                  std::vector<DmStructAsteroid>& asteroid_table, std::vector<StoreDmStruct>& store);
 // 1: valid pair, delivered; -1: valid pair, not delivered; 0: a rule failed (printed).
 int check_DmStructAsteroid(DmStructAsteroid& record);
 // Sums the collected masses into total and enforces the ship-count limit (Error301,

@@ -20,17 +20,25 @@ bool announce_event(Event& event, Check check) {
 
 }  // namespace
 
-double get_vinf(int id, StateStruct s) { return kavren::excess_speed(id, s, t_eles_asteroids); }
+double get_vinf(int id, StateStruct s) {
+  return kavren::excess_speed(id, s, t_eles_asteroids);
+}
 
 void err_state_ship(int id, StateStruct s, double& dr, double& dv) {
   kavren::state_error(id, s, t_eles_asteroids, dr, dv);
 }
 
-bool LaunchClass::check_2lines_trm() const { return announce_event(*this, kavren::launch_pair); }
+bool LaunchClass::check_2lines_trm() const {
+  return announce_event(*this, kavren::launch_pair);
+}
 
-bool LaunchClass::check_initialmass() const { return announce_event(*this, kavren::launch_mass); }
+bool LaunchClass::check_initialmass() const {
+  return announce_event(*this, kavren::launch_mass);
+}
 
-bool LaunchClass::check_vinf() const { return announce_event(*this, kavren::launch_speed); }
+bool LaunchClass::check_vinf() const {
+  return announce_event(*this, kavren::launch_speed);
+}
 
 bool LaunchClass::check_rv_ifequal2Earth() const {
   return announce_event(*this, kavren::launch_at_earth);
@@ -40,19 +48,25 @@ bool LaunchClass::check_launchevent() const {
   return check_2lines_trm() && check_initialmass() && check_vinf() && check_rv_ifequal2Earth();
 }
 
-bool FlybyClass::check_2lines_trm() const { return announce_event(*this, kavren::flyby_pair); }
+bool FlybyClass::check_2lines_trm() const {
+  return announce_event(*this, kavren::flyby_pair);
+}
 
 bool FlybyClass::check_r_ifequal2Star() const {
   return announce_event(*this, kavren::flyby_at_planet);
 }
 
-bool FlybyClass::check_flyby() { return announce_event(*this, kavren::flyby_pass); }
+bool FlybyClass::check_flyby() {
+  return announce_event(*this, kavren::flyby_pass);
+}
 
 bool FlybyClass::check_flybyevent() {
   return check_2lines_trm() && check_r_ifequal2Star() && check_flyby();
 }
 
-bool VisitClass::check_2lines_trv() const { return announce_event(*this, kavren::visit_pair); }
+bool VisitClass::check_2lines_trv() const {
+  return announce_event(*this, kavren::visit_pair);
+}
 
 bool VisitClass::check_rv_ifequal2asteroid() const {
   return announce_event(*this, kavren::visit_at_asteroid);

@@ -5,8 +5,8 @@
 #include "console/announce.h"
 #include "console/checks.h"
 #include "console/termination.h"
-#include "records/findings.h"
 #include "mining/score.h"
+#include "records/findings.h"
 
 int check_DmStructAsteroid(DmStructAsteroid& record) {
   kavren::Findings findings(true);

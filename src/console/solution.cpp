@@ -4,9 +4,9 @@
 #include "console/announce.h"
 #include "console/checks.h"
 #include "console/termination.h"
-#include "records/findings.h"
 #include "readers/file_bytes.h"
 #include "readers/solution_reader.h"
+#include "records/findings.h"
 
 bool ReadSolutionFile(std::vector<ShipClass>& ships, int& num_ships, const char* file_name) {
   std::string text;

@@ -50,8 +50,7 @@ Summary summarise(const std::vector<ShipClass>& ships, int num_ships,
     row.thrust_phases = s < thrust_phases.size() ? thrust_phases[s] : 0;
     row.events.push_back(mark("launch", ship.launch.body_id, ship.launch.state_before));
     for (const FlybyClass& flyby : ship.flybys) {
-      row.events.push_back(
-          mark(flyby.drop ? "drop" : "flyby", flyby.body_id, flyby.state_before));
+      row.events.push_back(mark(flyby.drop ? "drop" : "flyby", flyby.body_id, flyby.state_before));
     }
     for (const VisitClass& visit : ship.visits) {
       row.events.push_back(mark("rendezvous", visit.body_id, visit.state_before));

@@ -224,7 +224,8 @@ Report verify(const Catalogue& catalogue, std::string_view solution_text, const 
 
 int default_workers() {
   const unsigned hardware = std::thread::hardware_concurrency();
-  return hardware == 0 ? 1 : static_cast<int>(std::min(hardware, static_cast<unsigned>(kMaxWorkers)));
+  return hardware == 0 ? 1
+                       : static_cast<int>(std::min(hardware, static_cast<unsigned>(kMaxWorkers)));
 }
 
 int workers_from_text(const char* text) {
@@ -237,6 +238,8 @@ int workers_from_text(const char* text) {
   return default_workers();
 }
 
-const char* version() { return KAVREN_VERSION; }
+const char* version() {
+  return KAVREN_VERSION;
+}
 
 }  // namespace kavren

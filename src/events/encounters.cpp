@@ -6,7 +6,9 @@
 
 namespace {
 
-double norm3(double x, double y, double z) { return std::sqrt(x * x + y * y + z * z); }
+double norm3(double x, double y, double z) {
+  return std::sqrt(x * x + y * y + z * z);
+}
 
 // Gravitational parameter (km^3/s^2) and minimum flyby radius (km) of the planets;
 // Venus's also for any identifier not listed.

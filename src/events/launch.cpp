@@ -35,8 +35,8 @@ bool launch_pair(const LaunchClass& launch, EventContext& c) {
 bool launch_mass(const LaunchClass& launch, EventContext& c) {
   const double mass = launch.state_before.mass;
   const long long line = printed_line(launch.state_before.line_index);
-  return c.findings.check(Rule::launch_initial_mass, !(mass > kMaxLaunchMass), mass,
-                          kMaxLaunchMass, {line}, c.ship, [&] {
+  return c.findings.check(Rule::launch_initial_mass, !(mass > kMaxLaunchMass), mass, kMaxLaunchMass,
+                          {line}, c.ship, [&] {
                             return event_message(
                                 "Error504", "launch", line,
                                 ": Initial mass of Mining Ship is greater than the limit value.");

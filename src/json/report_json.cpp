@@ -1,6 +1,6 @@
-#include "json/json_value.h"
-
 #include <cmath>
+
+#include "json/json_value.h"
 
 namespace kavren {
 namespace {

@@ -102,7 +102,8 @@ bool Walk::run() {
     if (!inside) {
       // A phase opens with a zero-thrust line sharing the epoch of the next line.
       if (std::abs(dt) > kSameEpoch) {
-        return format_error(Rule::thrust_first_line, i, "Missing the first line of the burning arc.");
+        return format_error(Rule::thrust_first_line, i,
+                            "Missing the first line of the burning arc.");
       }
       if (lines_.magnitude(i) > kZeroThrust) {
         return format_error(Rule::thrust_zero_line, i,
@@ -114,7 +115,8 @@ bool Walk::run() {
       const double un = lines_.magnitude(i + 1);
       if (short_step || (std::abs(dt) < kSameEpoch && un < kZeroThrust)) {
         if (std::abs(dt) > kSameEpoch) {
-          return format_error(Rule::thrust_last_line, i, "Missing the last line of the burning arc.");
+          return format_error(Rule::thrust_last_line, i,
+                              "Missing the last line of the burning arc.");
         }
         if (un > kZeroThrust) {
           return format_error(Rule::thrust_closing_line, i,
@@ -167,8 +169,7 @@ ArcTable::ArcTable(const BurningArc& arc, const std::vector<double>& numbers)
 double ArcTable::thrust(std::size_t i, int axis) const {
   if (numbers_ != nullptr) return numbers_[4 * i + 1 + static_cast<std::size_t>(axis)];
   const std::vector<double>& line = arc_.lines[i];
-  return static_cast<std::size_t>(axis) < line.size() ? line[static_cast<std::size_t>(axis)]
-                                                       : 0.0;
+  return static_cast<std::size_t>(axis) < line.size() ? line[static_cast<std::size_t>(axis)] : 0.0;
 }
 
 double ArcTable::magnitude(std::size_t i) const {

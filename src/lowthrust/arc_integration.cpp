@@ -8,9 +8,9 @@
 #include <string>
 
 #include "astro/constants.h"
+#include "kavren/limits.h"
 #include "lowthrust/dynamics.h"
 #include "lowthrust/rkf78_loop.h"
-#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -97,7 +97,9 @@ class LegObserver {
 };
 
 template <>
-double LegObserver<CoastModel>::thrust_at(double) { return 0.0; }
+double LegObserver<CoastModel>::thrust_at(double) {
+  return 0.0;
+}
 template <>
 double LegObserver<ThrustModel>::thrust_at(double t) {
   double u[3];
@@ -215,7 +217,8 @@ bool integrate_legs(const BurningArc& arc, const ArcPhases& phases, Legs& legs, 
       const long long line = s + 1 + p;
       block[static_cast<std::size_t>(2 + p)] = mjd_to_tu(line_epoch(table, line));
       for (int axis = 0; axis < 3; ++axis) {
-        block[static_cast<std::size_t>(2 + (axis + 1) * n + p)] = table.thrust(static_cast<std::size_t>(line), axis);
+        block[static_cast<std::size_t>(2 + (axis + 1) * n + p)] =
+            table.thrust(static_cast<std::size_t>(line), axis);
       }
     }
     legs.thrust(block, y, t, mjd_to_tu(line_epoch(table, e)));
@@ -313,8 +316,8 @@ bool integrate_and_compare(const BurningArc& arc, const ArcTable& table, const A
   } catch (const SunApproach& at) {
     findings.evaluate(Rule::sun_distance, false, at.distance, kMinSunDistance, at.first_line,
                       run.ship);
-    return findings.fail(Rule::sun_distance, sun_approach_message(at), {at.first_line, at.second_line},
-                         run.ship, at.distance, kMinSunDistance);
+    return findings.fail(Rule::sun_distance, sun_approach_message(at),
+                         {at.first_line, at.second_line}, run.ship, at.distance, kMinSunDistance);
   }
   if (legs.min_distance < std::numeric_limits<double>::infinity()) {
     findings.evaluate(Rule::sun_distance, true, legs.min_distance, kMinSunDistance, end_line,

@@ -36,8 +36,7 @@ bool integrate_and_compare(const BurningArc& arc, const ArcTable& table, const A
 
 // The state written at the arc's end against the state reached (x, y, z km, vx, vy, vz
 // km/s, m kg): Error201-203. False when the collector says to stop.
-bool compare_end_state(const BurningArc& arc, const double* reached, Findings& findings,
-                       int ship);
+bool compare_end_state(const BurningArc& arc, const double* reached, Findings& findings, int ship);
 
 // The integration alone, into reached: the state the check compares with the arc's end.
 // False, with reached untouched, when Error003, Error004 or Error101 went to `findings`.

@@ -166,13 +166,17 @@ ArcPipeline::ArcPipeline(const ArcStageOptions& options, bool stop_at_first)
   state_->helpers_wanted = std::max(options.workers, 1) - 1;
 }
 
-ArcPipeline::~ArcPipeline() { state_->stop(); }
+ArcPipeline::~ArcPipeline() {
+  state_->stop();
+}
 
 void ArcPipeline::add_ship(const ShipClass& ship) {
   state_->add(ship.burning_arcs.data(), ship.burning_arcs.size(), ship.ship_id);
 }
 
-void ArcPipeline::cancel() { state_->stop(); }
+void ArcPipeline::cancel() {
+  state_->stop();
+}
 
 bool ArcPipeline::finish(Findings& findings, ArcStageResult& result) {
   State& s = *state_;

@@ -17,8 +17,8 @@ namespace kavren {
 
 struct ArcStageOptions {
   int workers = 1;
-  bool trajectories = false;    // keep the states of every accepted step, per ship
-  bool inspect_steps = false;   // warn of steps that span several thrust-table points
+  bool trajectories = false;   // keep the states of every accepted step, per ship
+  bool inspect_steps = false;  // warn of steps that span several thrust-table points
   const DeadlineClock::time_point* deadline = nullptr;
   std::function<void(std::size_t done, std::size_t total)> progress;
   // Reads the numbers of an arc whose lines are left in the text (BurningArc::text).
@@ -26,8 +26,8 @@ struct ArcStageOptions {
 };
 
 struct ArcStageResult {
-  std::vector<int> thrust_phases;              // per ship
-  std::vector<Trajectory> trajectories;         // per ship, when asked for
+  std::vector<int> thrust_phases;        // per ship
+  std::vector<Trajectory> trajectories;  // per ship, when asked for
   std::uint64_t evaluations = 0;
   std::size_t arcs = 0;
   bool deadline_reached = false;

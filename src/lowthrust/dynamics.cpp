@@ -57,12 +57,13 @@ void ThrustModel::operator()(double t, const double* y, double* dy) {
     if (i >= 0) throw SunApproach{line + i + 1, line + i + table.n, r};
     throw SunApproach{line + 1, line + table.n, r};
   }
-  // dy[3+i] = ((u_i * kKilonewtonsPerNewton) / m) / kACC - ((y_i / r) / r) / r, x and y as a pair, z
-  // alone; the mass falls with the exhaust speed Isp * g0.
+  // dy[3+i] = ((u_i * kKilonewtonsPerNewton) / m) / kACC - ((y_i / r) / r) / r, x and y as a pair,
+  // z alone; the mass falls with the exhaust speed Isp * g0.
   const double m = y[6];
   const Pair mm = {m, m};
   const Pair rr = {r, r};
-  const Pair acc = ((Pair{u[0], u[1]} * kKilonewtonsPerNewton) / mm) / kACC - ((Pair{y[0], y[1]} / rr) / rr) / rr;
+  const Pair acc = ((Pair{u[0], u[1]} * kKilonewtonsPerNewton) / mm) / kACC -
+                   ((Pair{y[0], y[1]} / rr) / rr) / rr;
   dy[3] = acc[0];
   dy[4] = acc[1];
   dy[5] = ((u[2] * kKilonewtonsPerNewton) / m) / kACC - ((y[2] / r) / r) / r;

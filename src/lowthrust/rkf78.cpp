@@ -1,9 +1,9 @@
 #include "lowthrust/rkf78.h"
 
-#include "lowthrust/rkf78_loop.h"
-
 #include <cmath>
 #include <cstddef>
+
+#include "lowthrust/rkf78_loop.h"
 
 namespace RK {
 
@@ -40,8 +40,8 @@ struct FileObserver {
 
 }  // namespace
 
-void RKF78Step(DerivFn model, const double* y, const double* para, double t, double h,
-               double* ynew, int dim, double* K) {
+void RKF78Step(DerivFn model, const double* y, const double* para, double t, double h, double* ynew,
+               int dim, double* K) {
   FunctionModel m{model, para};
   rkf78_step(m, y, t, h, ynew, dim, K);
 }

@@ -19,7 +19,7 @@ int RKF78(DerivFn model, double* y, const double* para, double& t, double tout, 
           double relTol, const double* absTol, int& flag, double* work, int maxEval,
           std::FILE* outFile);
 // One Fehlberg 7(8) step of size h; K block 0 must hold f(t, y). Twelve evaluations.
-void RKF78Step(DerivFn model, const double* y, const double* para, double t, double h,
-               double* ynew, int dim, double* K);
+void RKF78Step(DerivFn model, const double* y, const double* para, double t, double h, double* ynew,
+               int dim, double* K);
 
 }  // namespace RK

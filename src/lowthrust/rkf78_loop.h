@@ -209,7 +209,8 @@ int rkf78_integrate(Model& model, double* y, double& t, double tout, int dim, do
           const auto& step = cycle.cycle(p, j);
           n += step.evaluations;
           model.spared(step.calls);
-          std::memcpy(y, cycle.cycle(p, (j + 1) % p).y, static_cast<std::size_t>(d) * sizeof(double));
+          std::memcpy(y, cycle.cycle(p, (j + 1) % p).y,
+                      static_cast<std::size_t>(d) * sizeof(double));
           lines += observer.step(t, y, dim);
         }
       }
@@ -250,7 +251,8 @@ int rkf78_integrate(Model& model, double* y, double& t, double tout, int dim, do
       if (!(esttol > 1.0)) break;  // a NaN estimate accepts the step
       hfailed = true;
       output = false;
-      const double s = esttol < detail::kLargestShrinkAt ? detail::kSafety / std::pow(esttol, 0.125) : 0.1;
+      const double s =
+          esttol < detail::kLargestShrinkAt ? detail::kSafety / std::pow(esttol, 0.125) : 0.1;
       h = s * h;
       if (std::fabs(h) <= hmin) {
         flag = 6;

@@ -148,7 +148,6 @@ void piecewise(const double* x, const double* const* ys, int count, long long n,
 namespace kavren {
 
 int truncate_to_int(double value) {
-
   if (std::isnan(value)) return 0;
   if (value >= 2147483648.0) return 2147483647;
   if (value <= -2147483649.0) return -2147483647 - 1;

@@ -2,8 +2,8 @@
 
 #include <cmath>
 #include <cstddef>
-#include <string>
 #include <sstream>
+#include <string>
 #include <utility>
 
 #include "kavren/limits.h"
@@ -17,7 +17,9 @@ const char* const kMinerMismatchText =
     "first rendezvous to the asteroid (exceeding the allowable error).";
 
 // How far the mass left at a first rendezvous is from the miner's.
-double miner_mass_error(double mass_change) { return std::fabs(mass_change + kMinerMass); }
+double miner_mass_error(double mass_change) {
+  return std::fabs(mass_change + kMinerMass);
+}
 
 void swap_slots(DmStructAsteroid& record) {
   std::swap(record.line1, record.line2);
@@ -104,8 +106,8 @@ bool check_mining_ledger(const std::vector<ShipClass>& ships, int num_ships,
       }
       const bool third = record.num_rendezvous >= 2;
       const long long shown = printed_line(line);
-      if (!findings.check(Rule::rendezvous_count, !third, record.num_rendezvous + 1.0, 2.0,
-                          {shown}, ship.ship_id, [&] {
+      if (!findings.check(Rule::rendezvous_count, !third, record.num_rendezvous + 1.0, 2.0, {shown},
+                          ship.ship_id, [&] {
                             return line_message("Error805. Mining Data Error on the line", shown,
                                                 ": The asteroid is rendezvous more than twice.");
                           })) {

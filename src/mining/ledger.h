@@ -24,7 +24,6 @@ struct StoreDmStruct {
   double mass = 0.0;
 };
 
-
 namespace kavren {
 
 // CheckVisitDm on a findings collector; false when the collector says to stop.

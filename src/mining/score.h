@@ -6,7 +6,6 @@
 
 #include "mining/ledger.h"
 
-
 namespace kavren {
 
 // Test_MotherShipNum on a findings collector.

@@ -27,7 +27,9 @@ int shared_length(const MyVec& left, const MyVec& right) {
   return right.size < left.size ? right.size : left.size;
 }
 
-double element_or_nan(const MyVec& v, int i) { return i < v.size ? v.data[i] : kQuietNaN; }
+double element_or_nan(const MyVec& v, int i) {
+  return i < v.size ? v.data[i] : kQuietNaN;
+}
 
 }  // namespace
 
@@ -66,7 +68,9 @@ MyVec::MyVec(const double& x0, const double& x1, const double& x2, const double&
   data[6] = x6;
 }
 
-MyVec::~MyVec() { delete[] data; }
+MyVec::~MyVec() {
+  delete[] data;
+}
 
 // The copy is taken before the old array goes, so v = v keeps its elements and a failed
 // allocation leaves the target as it was.
@@ -75,7 +79,9 @@ MyVec& MyVec::operator=(const MyVec& other) {
   return *this;
 }
 
-int MyVec::GetSize() const { return size; }
+int MyVec::GetSize() const {
+  return size;
+}
 
 void MyVec::SetValue(int n, const double* p) {
   double* fresh = allocate_copy(n, p);
@@ -88,10 +94,18 @@ void MyVec::GetValue(int /*n*/, double* out) const {
   for (int i = 0; i < size; ++i) out[i] = data[i];
 }
 
-double& MyVec::operator[](int i) { return data[i]; }
-const double& MyVec::operator[](int i) const { return data[i]; }
-double& MyVec::operator()(int i) { return data[i - 1]; }
-const double& MyVec::operator()(int i) const { return data[i - 1]; }
+double& MyVec::operator[](int i) {
+  return data[i];
+}
+const double& MyVec::operator[](int i) const {
+  return data[i];
+}
+double& MyVec::operator()(int i) {
+  return data[i - 1];
+}
+const double& MyVec::operator()(int i) const {
+  return data[i - 1];
+}
 
 bool MyVec::operator==(const MyVec& other) const {
   const int m = shared_length(*this, other);
@@ -102,9 +116,13 @@ bool MyVec::operator==(const MyVec& other) const {
   return m == size;
 }
 
-bool MyVec::operator!=(const MyVec& other) const { return !(*this == other); }
+bool MyVec::operator!=(const MyVec& other) const {
+  return !(*this == other);
+}
 
-MyVec MyVec::operator+() const { return MyVec(*this); }
+MyVec MyVec::operator+() const {
+  return MyVec(*this);
+}
 
 MyVec MyVec::operator-() const {
   MyVec r(*this);
@@ -114,13 +132,13 @@ MyVec MyVec::operator-() const {
 
 // In-place element-wise operators: the shared part is a plain loop over two arrays; the
 // elements the right operand lacks meet a NaN.
-#define KAVREN_MYVEC_INPLACE_VECTOR(OP)                                     \
-  MyVec& MyVec::operator OP(const MyVec& other) {                           \
-    const int m = shared_length(*this, other);                              \
-    const double* b = other.data;                                           \
-    for (int i = 0; i < m; ++i) data[i] OP b[i];                            \
-    for (int i = m; i < size; ++i) data[i] OP kQuietNaN;                    \
-    return *this;                                                           \
+#define KAVREN_MYVEC_INPLACE_VECTOR(OP)                  \
+  MyVec& MyVec::operator OP(const MyVec& other) {        \
+    const int m = shared_length(*this, other);           \
+    const double* b = other.data;                        \
+    for (int i = 0; i < m; ++i) data[i] OP b[i];         \
+    for (int i = m; i < size; ++i) data[i] OP kQuietNaN; \
+    return *this;                                        \
   }
 
 KAVREN_MYVEC_INPLACE_VECTOR(+=)
@@ -280,7 +298,9 @@ double MyVec::Norm2() const {
   return std::sqrt(sum);
 }
 
-double MyVec::NormInf() const { return Absol().Max(); }
+double MyVec::NormInf() const {
+  return Absol().Max();
+}
 
 std::istream& operator>>(std::istream& in, MyVec& v) {
   for (int i = 0; i < v.size; ++i) in >> v.data[i];

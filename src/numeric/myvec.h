@@ -28,10 +28,10 @@ class MyVec {
   explicit MyVec(int n);  // n elements, all 0.0
   MyVec(const MyVec& other);
   MyVec(const double& x0, const double& x1, const double& x2);
-  MyVec(const double& x0, const double& x1, const double& x2, const double& x3,
-        const double& x4, const double& x5);
-  MyVec(const double& x0, const double& x1, const double& x2, const double& x3,
-        const double& x4, const double& x5, const double& x6);
+  MyVec(const double& x0, const double& x1, const double& x2, const double& x3, const double& x4,
+        const double& x5);
+  MyVec(const double& x0, const double& x1, const double& x2, const double& x3, const double& x4,
+        const double& x5, const double& x6);
   ~MyVec();
 
   MyVec& operator=(const MyVec& other);
@@ -74,8 +74,8 @@ class MyVec {
 
   double Dot(const MyVec& other) const;   // 0.0 for an empty vector
   MyVec Cross(const MyVec& other) const;  // always 3 elements
-  double Min() const;  // first smallest element scanning upward; NaN when empty
-  double Max() const;  // first largest element scanning upward; NaN when empty
+  double Min() const;                     // first smallest element scanning upward; NaN when empty
+  double Max() const;                     // first largest element scanning upward; NaN when empty
   MyVec Absol() const;
   double Norm1() const;    // sum of |a[i]|; 0.0 when empty
   double Norm2() const;    // sqrt of the plain sum of squares; 0.0 when empty

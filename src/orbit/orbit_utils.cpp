@@ -12,7 +12,9 @@ namespace {
 constexpr int kMaxSolveDim = 16;
 
 // Angle in [-pi, pi] (a whole-turn remainder).
-double to_half_turn(double x) { return std::remainder(x, kTwoPi); }
+double to_half_turn(double x) {
+  return std::remainder(x, kTwoPi);
+}
 
 // Eccentric anomaly of an ellipse by Newton's method on M in [-pi, pi]. Started at M
 // (or at pi for the more eccentric orbits, where Newton from M can overshoot), the
@@ -131,8 +133,7 @@ void M2O2(int& flag, double* osc, const double* mean, const double* para) {
   osc[1] = e + eta2 * (dL_L - dG_G) / e;
   osc[2] = inc + 3.0 * gamma * c * s * Q;
   osc[3] = mean[3] - 6.0 * gamma * c * (A - B);
-  osc[4] = argp + gamma * ((15.0 * c2 - 3.0) * A + (9.0 - 15.0 * c2) * B) +
-           gamma * eta2 * F_e / e;
+  osc[4] = argp + gamma * ((15.0 * c2 - 3.0) * A + (9.0 - 15.0 * c2) * B) + gamma * eta2 * F_e / e;
   osc[5] = mean[5] - gamma * eta3 * F_e / e;
   flag = 1;
 }
@@ -178,8 +179,7 @@ void FixedPointSolve(int& flag, double* x, ResidualFn fn, const double* para, in
   flag = 0;
 }
 
-void O2M2(int& flag, double* mean, const double* osc, const double* para, double tol,
-          int maxIter) {
+void O2M2(int& flag, double* mean, const double* osc, const double* para, double tol, int maxIter) {
   const double block[9] = {para[0], para[1], para[2], osc[0], osc[1],
                            osc[2],  osc[3],  osc[4],  osc[5]};
   const double tols[6] = {tol * std::fabs(osc[0]), tol, tol, tol, tol, tol};

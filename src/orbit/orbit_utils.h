@@ -19,9 +19,9 @@
 // long-period or secular part.
 // Validity: elliptic orbits, 0 < e < 1. The corrections to argp and M individually grow
 // like J2 (Req/p)^2 / e (their sum stays bounded), so orbits whose eccentricity is not
-// well above J2 (Req/p)^2 are outside the useful range, and e = 0 is refused. The short-period terms hold at every inclination; the
-// critical inclination only troubles the long-period terms, which are not modelled here.
-// Angles are not reduced to one turn.
+// well above J2 (Req/p)^2 are outside the useful range, and e = 0 is refused. The short-period
+// terms hold at every inclination; the critical inclination only troubles the long-period terms,
+// which are not modelled here. Angles are not reduced to one turn.
 #pragma once
 
 // Two-body acceleration in the integrators' derivative signature (RK::DerivFn).
@@ -55,5 +55,4 @@ void FixedPointSolve(int& flag, double* x, ResidualFn fn, const double* para, in
 // starting from osc. Convergence is judged on a relative to a and on every other
 // component absolutely, each against tol. Flag 0 and mean untouched on failure. The
 // angles of the result lie within about the short-period amplitude of those of osc.
-void O2M2(int& flag, double* mean, const double* osc, const double* para, double tol,
-          int maxIter);
+void O2M2(int& flag, double* mean, const double* osc, const double* para, double tol, int maxIter);

@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <thread>
 #include <vector>
-
-#include <memory>
 
 #include "readers/file_bytes.h"
 #include "readers/tokenizer.h"
@@ -166,17 +165,20 @@ void read_catalogue(std::string_view text, AsteroidTable& table) {
   // the first half turns out to hold exactly that many plain records and nothing after
   // them, and the second half reads to its end: the rows are then those of one reading.
   // Otherwise one reading goes on from where the first half stopped.
-  const std::size_t split = body.size() >= kTwoHalvesFrom && std::thread::hardware_concurrency() >= 2
-                                ? body.find('\n', body.size() / 2)
-                                : std::string_view::npos;
+  const std::size_t split =
+      body.size() >= kTwoHalvesFrom && std::thread::hardware_concurrency() >= 2
+          ? body.find('\n', body.size() / 2)
+          : std::string_view::npos;
   if (split != std::string_view::npos) {
     const std::string_view second = body.substr(split + 1);
-    const auto lines = static_cast<long long>(std::count(body.data(), body.data() + split + 1, '\n'));
+    const auto lines =
+        static_cast<long long>(std::count(body.data(), body.data() + split + 1, '\n'));
     SecondHalf half;
     std::thread helper;
     if (lines < kNumAsteroids) {
       try {
-        helper = std::thread([&half, second, lines] { half.read(second, static_cast<int>(lines) + 1); });
+        helper =
+            std::thread([&half, second, lines] { half.read(second, static_cast<int>(lines) + 1); });
       } catch (const std::system_error&) {
       }
     }
@@ -199,4 +201,3 @@ void read_catalogue(std::string_view text, AsteroidTable& table) {
 }
 
 }  // namespace kavren
-

@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "astro/ephemeris.h"
-#include "readers/tokenizer.h"
 #include "kavren/limits.h"
+#include "readers/tokenizer.h"
 
 namespace kavren {
 namespace {
@@ -34,9 +34,9 @@ void for_each_arc_line(std::string_view text, std::size_t count, F&& f) {
 }
 
 std::size_t line_count(const BurningArc& arc) {
-  return arc.first_line < 0 ? 0
-                            : static_cast<std::size_t>(static_cast<long long>(arc.last_line) -
-                                                       arc.first_line + 1);
+  return arc.first_line < 0
+             ? 0
+             : static_cast<std::size_t>(static_cast<long long>(arc.last_line) - arc.first_line + 1);
 }
 
 }  // namespace
@@ -51,8 +51,7 @@ void read_arc_numbers(const BurningArc& arc, std::vector<double>& numbers) {
   });
 }
 
-ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship, Findings& findings,
-                             bool arcs_in_text)
+ShipAssembler::ShipAssembler(int ordinal, ShipClass& ship, Findings& findings, bool arcs_in_text)
     : ordinal_(ordinal), ship_(ship), findings_(findings), arcs_in_text_(arcs_in_text) {
   ship_.ship_id = ordinal;
 }
@@ -87,7 +86,9 @@ bool ShipAssembler::add_line(int index, std::string_view text,
   return true;
 }
 
-void ShipAssembler::finish() { ship_.set_final_mass(previous_.mass); }
+void ShipAssembler::finish() {
+  ship_.set_final_mass(previous_.mass);
+}
 
 bool ShipAssembler::add_event_pair() {
   // The order within a pair: its epoch, its own record, then the arc lines before it.
@@ -127,7 +128,8 @@ bool ShipAssembler::record_event(int event_id) {
   visit.mass_change = mass_change;
   ship_.visits.push_back(visit);
   // Resources taken on join the current group; miners left behind add nothing.
-  if (mass_change > 0.0) group_.push_back(DmStructShip{second_.line_index, mass_change, first_.epoch});
+  if (mass_change > 0.0)
+    group_.push_back(DmStructShip{second_.line_index, mass_change, first_.epoch});
   return true;
 }
 
@@ -164,8 +166,7 @@ bool ShipAssembler::close_arc() {
   if (gap >= 2 && gap <= 4) {
     // This message prints the 0-based index of the line that opens the arc.
     findings_.fail(Rule::arc_line_count,
-                   line_message("ErrorA03:  File Format Error on the line ",
-                                previous_.line_index,
+                   line_message("ErrorA03:  File Format Error on the line ", previous_.line_index,
                                 ": The number of lines in this burning arc is unreasonable."),
                    {printed_line(previous_.line_index)}, ordinal_);
     return false;

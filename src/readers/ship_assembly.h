@@ -38,7 +38,7 @@ class ShipAssembler {
   bool arcs_in_text_;
   int lines_seen_ = 0;
 
-  StateStruct previous_;       // second line of the previous event pair
+  StateStruct previous_;        // second line of the previous event pair
   bool first_pending_ = false;  // first line of a pair read, its second not yet
   int first_id_ = 0;
   int second_id_ = 0;

@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "kavren/limits.h"
 #include "readers/file_bytes.h"
 #include "readers/ship_assembly.h"
 #include "readers/tokenizer.h"
-#include "kavren/limits.h"
 
 namespace kavren {
 namespace {
@@ -36,13 +36,12 @@ class TextLines {
 struct EventLists {
   std::vector<int> launches, venus, earth, mars, rendezvous, ship_starts;
   std::vector<int> rendezvous_ids;  // the asteroid of each rendezvous line
-  int previous_ship = 0;  // ship ID of the line before
+  int previous_ship = 0;            // ship ID of the line before
 };
 
 // A structural fault: the reading ends.
 bool refuse_line(Findings& findings, Rule rule, const char* head, int index, const char* tail) {
-  findings.fail(rule, line_message(head, printed_line(index), tail),
-                {printed_line(index)}, 0);
+  findings.fail(rule, line_message(head, printed_line(index), tail), {printed_line(index)}, 0);
   return false;
 }
 
@@ -56,16 +55,19 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
                std::vector<std::string_view>& tokens, Findings& findings) {
   static constexpr const char* kA09 = "ErrorA09. File Format Error on the line ";
   const std::string_view text = trimmed_line(raw);
-  if (text.empty()) return refuse_line(findings, Rule::line_format, kA09, index, ": This line is empty!");
+  if (text.empty())
+    return refuse_line(findings, Rule::line_format, kA09, index, ": This line is empty!");
   // The length rule measures the line as read: a trailing CR counts.
   if (raw.size() < 12) {
-    return refuse_line(findings, Rule::line_format, kA09, index, ": The number of data in this line is unreasonable.");
+    return refuse_line(findings, Rule::line_format, kA09, index,
+                       ": The number of data in this line is unreasonable.");
   }
   tokenize_line(text, tokens);
   // Only a line of 10 or 6 tokens has an event ID to read; a line of one token (a
   // long number) has no second token.
   if (tokens.size() != 10 && tokens.size() != 6) {
-    return refuse_line(findings, Rule::line_format, kA09, index, ": The number of data in this line is unreasonable.");
+    return refuse_line(findings, Rule::line_format, kA09, index,
+                       ": The number of data in this line is unreasonable.");
   }
   const int id = parse_int(tokens[1]);
   if (tokens.size() == 10) {
@@ -85,8 +87,8 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
                          ": The event ID is unreasonable.");
     }
   } else if (id != -1) {
-    return refuse_line(findings, Rule::arc_event_id, "ErrorA11. File Format Error on the line", index,
-                       ": The event ID of the burning arcs is wrong.");
+    return refuse_line(findings, Rule::arc_event_id, "ErrorA11. File Format Error on the line",
+                       index, ": The event ID of the burning arcs is wrong.");
   }
 
   // A ship is a maximal run of lines with the same ship ID.
@@ -102,8 +104,8 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
   const double epoch = parse_double(tokens[2]);
   const long long line = printed_line(index);
   const int ordinal = static_cast<int>(lists.ship_starts.size());
-  return findings.check(Rule::epoch_start, !(epoch < kMissionStartMjd), epoch,
-                        kMissionStartMjd, {line}, ordinal,
+  return findings.check(Rule::epoch_start, !(epoch < kMissionStartMjd), epoch, kMissionStartMjd,
+                        {line}, ordinal,
                         [&] {
                           return line_message("Error001. Event Time Error on the line", line,
                                               ": The epoch is earlier than the mission's "
@@ -160,8 +162,8 @@ class ShipInProgress {
   bool ended_ = false;
 };
 
-bool read_lines(std::string_view text, EventLists& lists, Findings& findings,
-                ShipInProgress& ship, const DeadlineClock::time_point* deadline) {
+bool read_lines(std::string_view text, EventLists& lists, Findings& findings, ShipInProgress& ship,
+                const DeadlineClock::time_point* deadline) {
   TextLines source(text);
   std::vector<std::string_view> tokens;
   tokens.reserve(16);
@@ -171,8 +173,8 @@ bool read_lines(std::string_view text, EventLists& lists, Findings& findings,
     // Line numbers are 32-bit; a file of more lines is refused at the last number
     // that can still be printed.
     if (index == INT_MAX - 1) {
-      return refuse_line(findings, Rule::line_format, "ErrorA09. File Format Error on the line ", index,
-                         ": The number of data in this line is unreasonable.");
+      return refuse_line(findings, Rule::line_format, "ErrorA09. File Format Error on the line ",
+                         index, ": The number of data in this line is unreasonable.");
     }
     if (index % kLinesBetweenDeadlineChecks == 0) honour_deadline(deadline);
     const std::size_t ships_before = lists.ship_starts.size();
@@ -208,11 +210,12 @@ bool check_structure(const EventLists& lists, Findings& findings) {
   }
   for (std::size_t k = 0; k < lists.ship_starts.size(); ++k) {
     if (lists.ship_starts[k] != lists.launches[2 * k]) {
-      return refuse_line(findings, Rule::launch_start, "ErrorA14. File Format Error on the line", lists.launches[2 * k],
-                         ": The event ID of the launch is wrong.");
+      return refuse_line(findings, Rule::launch_start, "ErrorA14. File Format Error on the line",
+                         lists.launches[2 * k], ": The event ID of the launch is wrong.");
     }
     if (lists.launches[2 * k + 1] != lists.launches[2 * k] + 1) {
-      return refuse_line(findings, Rule::launch_lines, "ErrorA15. File Format Error on the line", lists.launches[2 * k + 1],
+      return refuse_line(findings, Rule::launch_lines, "ErrorA15. File Format Error on the line",
+                         lists.launches[2 * k + 1],
                          ": The event IDs of one launch do not appear in two adjacent lines.");
     }
   }
@@ -250,7 +253,8 @@ bool check_structure(const EventLists& lists, Findings& findings) {
     const int first = visits[k];
     const int second = visits[k + 1];
     if (second != first + 1 || lists.rendezvous_ids[k + 1] != lists.rendezvous_ids[k]) {
-      return refuse_line(findings, Rule::rendezvous_lines, "ErrorA23. File Format Error on the line", second,
+      return refuse_line(findings, Rule::rendezvous_lines,
+                         "ErrorA23. File Format Error on the line", second,
                          ": The event IDs of one rendezvous do not appear in two adjacent "
                          "lines.");
     }
@@ -263,7 +267,8 @@ bool check_structure(const EventLists& lists, Findings& findings) {
 bool scan_solution(std::string_view text, Findings& findings, int& num_ships, ShipSink& sink,
                    const DeadlineClock::time_point* deadline, bool arcs_in_text) {
   if (text.empty()) {
-    return refuse(findings, Rule::empty_solution, "ErrorA02. File Open Error: The solution file is empty.");
+    return refuse(findings, Rule::empty_solution,
+                  "ErrorA02. File Open Error: The solution file is empty.");
   }
   EventLists lists;
   ShipInProgress ship(sink, findings.stop_at_first(), arcs_in_text);

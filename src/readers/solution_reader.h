@@ -9,7 +9,6 @@
 #include "records/findings.h"
 #include "records/records.h"
 
-
 namespace kavren {
 
 // Receives each ship as soon as its last line is read, in ship order, before the
@@ -30,8 +29,7 @@ class ShipSink {
 // `num_ships` is the number of ships the file holds. With `arcs_in_text` the arcs keep
 // their lines as text (see ShipAssembler).
 bool scan_solution(std::string_view text, Findings& findings, int& num_ships, ShipSink& sink,
-                   const DeadlineClock::time_point* deadline = nullptr,
-                   bool arcs_in_text = false);
+                   const DeadlineClock::time_point* deadline = nullptr, bool arcs_in_text = false);
 
 // The solution's text read into ships. A structural fault of the file (its grammar, the
 // grouping of its lines) ends the reading: false. The epoch of a line outside the

@@ -7,8 +7,8 @@ namespace kavren {
 std::string_view trimmed_line(std::string_view raw) {
   // The line is handled as a C string: a NUL byte ends its text.
   const void* nul = std::memchr(raw.data(), '\0', raw.size());
-  std::size_t end = nul ? static_cast<std::size_t>(static_cast<const char*>(nul) - raw.data())
-                        : raw.size();
+  std::size_t end =
+      nul ? static_cast<std::size_t>(static_cast<const char*>(nul) - raw.data()) : raw.size();
   std::size_t begin = 0;
   while (begin < end && is_line_space(raw[begin])) ++begin;
   while (end > begin && is_line_space(raw[end - 1])) --end;
@@ -58,8 +58,8 @@ void tokenize_line(std::string_view line, std::vector<std::string_view>& tokens)
   }
 }
 
-void decode_event_line(int line_index, const std::vector<std::string_view>& tokens,
-                       int& event_id, double& epoch, StateStruct& state) {
+void decode_event_line(int line_index, const std::vector<std::string_view>& tokens, int& event_id,
+                       double& epoch, StateStruct& state) {
   auto token = [&tokens](std::size_t k) {
     return k < tokens.size() ? tokens[k] : std::string_view();
   };

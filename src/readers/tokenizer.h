@@ -41,7 +41,7 @@ void split_views(std::string_view s, std::string_view delimiters,
                  std::vector<std::string_view>& tokens);
 
 // Decodes tokens 2..10 of an event line (fewer tokens read as empty text).
-void decode_event_line(int line_index, const std::vector<std::string_view>& tokens,
-                       int& event_id, double& epoch, StateStruct& state);
+void decode_event_line(int line_index, const std::vector<std::string_view>& tokens, int& event_id,
+                       double& epoch, StateStruct& state);
 
 }  // namespace kavren

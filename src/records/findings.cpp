@@ -79,11 +79,15 @@ const RuleInfo kRules[] = {
 static_assert(sizeof(kRules) / sizeof(kRules[0]) == static_cast<int>(Rule::count),
               "one entry per rule");
 
-bool upper_bound(Rule rule) { return rule_info(rule).relation[0] == '<'; }
+bool upper_bound(Rule rule) {
+  return rule_info(rule).relation[0] == '<';
+}
 
 }  // namespace
 
-const RuleInfo& rule_info(Rule rule) { return kRules[static_cast<int>(rule)]; }
+const RuleInfo& rule_info(Rule rule) {
+  return kRules[static_cast<int>(rule)];
+}
 
 std::string line_message(const char* prefix, long long line, const char* suffix) {
   std::string text(prefix);
@@ -96,7 +100,8 @@ std::string line_message(const char* prefix, long long line, const char* suffix)
 Findings::Findings(bool stop_at_first, Rule first, Rule last)
     : stop_at_first_(stop_at_first),
       first_rule_(static_cast<int>(first)),
-      rows_(static_cast<std::size_t>(std::max(0, static_cast<int>(last) - static_cast<int>(first) + 1))) {}
+      rows_(static_cast<std::size_t>(
+          std::max(0, static_cast<int>(last) - static_cast<int>(first) + 1))) {}
 
 double Findings::margin_of(Rule rule, double value, double limit) {
   return upper_bound(rule) ? limit - value : value - limit;
@@ -129,8 +134,8 @@ void Findings::evaluate(Rule rule, bool holds, double value, double limit, long 
   row.ship = ship;
 }
 
-bool Findings::fail(Rule rule, std::string message, std::initializer_list<long long> lines, int ship,
-                    double value, double limit) {
+bool Findings::fail(Rule rule, std::string message, std::initializer_list<long long> lines,
+                    int ship, double value, double limit) {
   const RuleInfo& info = rule_info(rule);
   Finding finding;
   finding.code = info.code;
@@ -253,8 +258,8 @@ std::vector<Warning> Findings::warnings() const {
     if (!c.passed || !(size > 0.0) || !(c.margin >= 0.0) || !(c.margin < 0.001 * size)) continue;
     std::ostringstream text;
     text.precision(6);
-    text << "The " << c.quantity << " comes within 0.1 % of its limit: " << c.worst << " "
-         << c.unit << " against " << c.limit << " " << c.unit << ".";
+    text << "The " << c.quantity << " comes within 0.1 % of its limit: " << c.worst << " " << c.unit
+         << " against " << c.limit << " " << c.unit << ".";
     Warning w;
     w.kind = "near-limit";
     w.message = text.str();

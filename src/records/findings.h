@@ -16,23 +16,73 @@ namespace kavren {
 // Every rule, one per message kavren-check can print. First the rules with a quantity, in
 // the order a run checks them; then the rules of the files' layout, which have none.
 enum class Rule : int {
-  epoch_start, epoch_end, event_order, drop_speed,
-  launch_time, launch_position, launch_mass, launch_initial_mass, launch_speed,
-  launch_earth_position, launch_earth_velocity,
-  flyby_time, flyby_position, flyby_mass, flyby_planet_position, flyby_speed_change, flyby_turn,
-  visit_time, visit_position, visit_velocity, visit_asteroid_position, visit_asteroid_velocity,
-  resource_balance, miners_per_ship, final_mass,
-  mining_interval, miner_mass, collected_mass, collected_something, rendezvous_count,
-  thrust_magnitude, thrust_step_order, thrust_step_length,
-  phase_start, arc_end_order, sun_distance, arc_position, arc_velocity, arc_mass,
+  epoch_start,
+  epoch_end,
+  event_order,
+  drop_speed,
+  launch_time,
+  launch_position,
+  launch_mass,
+  launch_initial_mass,
+  launch_speed,
+  launch_earth_position,
+  launch_earth_velocity,
+  flyby_time,
+  flyby_position,
+  flyby_mass,
+  flyby_planet_position,
+  flyby_speed_change,
+  flyby_turn,
+  visit_time,
+  visit_position,
+  visit_velocity,
+  visit_asteroid_position,
+  visit_asteroid_velocity,
+  resource_balance,
+  miners_per_ship,
+  final_mass,
+  mining_interval,
+  miner_mass,
+  collected_mass,
+  collected_something,
+  rendezvous_count,
+  thrust_magnitude,
+  thrust_step_order,
+  thrust_step_length,
+  phase_start,
+  arc_end_order,
+  sun_distance,
+  arc_position,
+  arc_velocity,
+  arc_mass,
   ship_count,
   // Without a quantity: the arguments, the files, the solution's grammar and grouping,
   // the layout of a thrust table.
-  arguments, catalogue_file, solution_file, score_file, empty_solution,
-  line_format, event_id, arc_event_id, ship_id,
-  launch_count, launch_start, launch_lines, venus_count, venus_lines, earth_count,
-  earth_lines, mars_count, mars_lines, rendezvous_count_odd, rendezvous_lines,
-  arc_line_count, thrust_first_line, thrust_zero_line, thrust_last_line, thrust_closing_line,
+  arguments,
+  catalogue_file,
+  solution_file,
+  score_file,
+  empty_solution,
+  line_format,
+  event_id,
+  arc_event_id,
+  ship_id,
+  launch_count,
+  launch_start,
+  launch_lines,
+  venus_count,
+  venus_lines,
+  earth_count,
+  earth_lines,
+  mars_count,
+  mars_lines,
+  rendezvous_count_odd,
+  rendezvous_lines,
+  arc_line_count,
+  thrust_first_line,
+  thrust_zero_line,
+  thrust_last_line,
+  thrust_closing_line,
   count
 };
 // The first rule without a quantity.
@@ -50,7 +100,9 @@ struct RuleInfo {
 const RuleInfo& rule_info(Rule rule);
 
 // The 1-based line number of a 0-based line index, in 64 bits so that no index overflows.
-inline long long printed_line(int index) { return static_cast<long long>(index) + 1; }
+inline long long printed_line(int index) {
+  return static_cast<long long>(index) + 1;
+}
 
 // "prefix<line>suffix\n": the shape of most messages (line printed 1-based).
 std::string line_message(const char* prefix, long long line, const char* suffix);
@@ -66,8 +118,8 @@ class Findings {
   // violation the finding's code and message come from `message()` (a callable
   // returning std::string). Returns false when the checks must stop.
   template <class Message>
-  bool check(Rule rule, bool holds, double value, double limit, std::initializer_list<long long> lines,
-             int ship, Message&& message) {
+  bool check(Rule rule, bool holds, double value, double limit,
+             std::initializer_list<long long> lines, int ship, Message&& message) {
     evaluate(rule, holds, value, limit, lines.size() ? *lines.begin() : 0, ship);
     if (holds) return true;
     return fail(rule, message(), lines, ship, value, limit);
@@ -110,7 +162,7 @@ class Findings {
   Row* row(int rule) {
     const int k = rule - first_rule_;
     return k >= 0 && k < static_cast<int>(rows_.size()) ? &rows_[static_cast<std::size_t>(k)]
-                                                         : nullptr;
+                                                        : nullptr;
   }
   const Row* row(int rule) const { return const_cast<Findings*>(this)->row(rule); }
 

@@ -69,8 +69,8 @@ struct BurningArc {
   int ship_number = 0;  // 1-based ordinal of the ship
   double start_epoch = 0.0;
   double end_epoch = 0.0;
-  StateStruct start_state;  // last line of the previous event
-  StateStruct end_state;    // first line of the following event
+  StateStruct start_state;                 // last line of the previous event
+  StateStruct end_state;                   // first line of the following event
   std::vector<std::vector<double>> lines;  // thrust ux, uy, uz (N) of each arc line
   std::vector<double> values;              // epoch (MJD) of each arc line
   int first_line = -1;  // file line index of the first arc line, -1 for a pure coast

@@ -1,15 +1,16 @@
 // The findings core through its API: every independent fault of a scenario found in one
 // run, with the margin the fault alone gives; the constraint table of a valid solution.
 // (Many threads at once: tests/core/soak_test.cpp.)
+#include "kavren/verify.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <map>
 
-#include "support/error_case.h"
-#include "kavren/verify.h"
 #include "records/findings.h"
+#include "support/error_case.h"
 
 namespace kavren::test {
 namespace {
@@ -123,7 +124,8 @@ TEST(AllMode, RulePassingOnNaNIsNamedOnce) {
   Scenario s = demo_scenario();
   const int second_launch = find_line(s.lines, 0, 10, 2);
   for (int line : {0, 1, second_launch, second_launch + 1}) {
-    s.lines[static_cast<std::size_t>(line)] = with_token(s.lines[static_cast<std::size_t>(line)], 9, "nan");
+    s.lines[static_cast<std::size_t>(line)] =
+        with_token(s.lines[static_cast<std::size_t>(line)], 9, "nan");
   }
   const Report report = run(s, Mode::all);
   std::map<std::string, int> named;
@@ -187,7 +189,8 @@ TEST(Warnings, NearLimitNamesItsLine) {
     const std::vector<Warning> warnings = found.warnings();
     ASSERT_EQ(warnings.size(), 1u);
     EXPECT_EQ(warnings[0].kind, "near-limit");
-    EXPECT_EQ(warnings[0].lines, line > 0 ? std::vector<long long>{line} : std::vector<long long>{});
+    EXPECT_EQ(warnings[0].lines,
+              line > 0 ? std::vector<long long>{line} : std::vector<long long>{});
   }
 }
 

@@ -7,9 +7,9 @@
 #include <set>
 #include <string>
 
-#include "support/error_case.h"
 #include "kavren/verify.h"
 #include "support/e2e.h"
+#include "support/error_case.h"
 
 namespace kavren::test {
 namespace {
@@ -34,11 +34,11 @@ void add_precedence_cases(std::vector<ErrorCase>& cases) {
   for (const auto& pair : pairs) {
     const ErrorCase earlier = case_named(pair.earlier_stage);
     const ErrorCase later = case_named(pair.later_stage);
-    cases.push_back({earlier.name + "_Before_" + later.name, earlier.code,
-                     [earlier, later](Scenario& s) {
-                       later.make(s);
-                       return earlier.make(s);
-                     }});
+    cases.push_back(
+        {earlier.name + "_Before_" + later.name, earlier.code, [earlier, later](Scenario& s) {
+           later.make(s);
+           return earlier.make(s);
+         }});
   }
 }
 
@@ -115,11 +115,10 @@ INSTANTIATE_TEST_SUITE_P(Messages, ErrorCases, ::testing::ValuesIn(all_cases()),
 
 // The messages the program can print; the cases above must reach each of them.
 TEST(ErrorCoverage, EveryMessageIsReached) {
-  std::set<std::string> required = {"Error000", "ErrorA00:", "ErrorA01", "ErrorA02",
-                                    "ErrorA03:", "ErrorA03.", "Error001", "Error002",
-                                    "Error003", "Error004", "Error005", "Error101",
-                                    "Error201", "Error202", "Error203", "Error301",
-                                    "Error401", "Error901", kScoreFileError};
+  std::set<std::string> required = {
+      "Error000", "ErrorA00:", "ErrorA01", "ErrorA02", "ErrorA03:",    "ErrorA03.", "Error001",
+      "Error002", "Error003",  "Error004", "Error005", "Error101",     "Error201",  "Error202",
+      "Error203", "Error301",  "Error401", "Error901", kScoreFileError};
   for (int k = 4; k <= 23; ++k) {
     required.insert(std::string("ErrorA") + (k < 10 ? "0" : "") + std::to_string(k));
   }

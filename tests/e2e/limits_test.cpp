@@ -61,12 +61,14 @@ struct LimitCase {
   std::vector<std::string> args;
   std::vector<ResourceLimit> limits;
   int status;
-  std::string out;  // kVerdict: what the run without the limit prints
-  std::string err;  // the whole standard error
+  std::string out;   // kVerdict: what the run without the limit prints
+  std::string err;   // the whole standard error
   bool output_file;  // ScoreData.txt (kavren-check) or out.json (kavren-report) is left
 };
 
-void PrintTo(const LimitCase& c, std::ostream* os) { *os << c.name; }
+void PrintTo(const LimitCase& c, std::ostream* os) {
+  *os << c.name;
+}
 
 RunResult run_case(const LimitCase& c, const TempDir& dir) {
   switch (c.tool) {
@@ -95,22 +97,62 @@ std::vector<LimitCase> limit_cases() {
   constexpr unsigned long long kMiB = 1 << 20;
   const std::string demo_bytes = std::to_string(demo_scenario().result_text().size());
   return {
-      {"OutOfAddressSpace", Files::bench, Tool::check, {}, {{RLIMIT_AS, 16 * kMiB}}, 4, "",
-       "kavren-check: out of memory while reading KAVREN_Asteroids_Data.txt\n", false},
-      {"NoDescriptorForTheCatalogue", Files::demo, Tool::check_driver, {}, {{RLIMIT_NOFILE, 3}},
-       1, "ErrorA00: The file of Asteroid Data cannot be found.\n", "", false},
+      {"OutOfAddressSpace",
+       Files::bench,
+       Tool::check,
+       {},
+       {{RLIMIT_AS, 16 * kMiB}},
+       4,
+       "",
+       "kavren-check: out of memory while reading KAVREN_Asteroids_Data.txt\n",
+       false},
+      {"NoDescriptorForTheCatalogue",
+       Files::demo,
+       Tool::check_driver,
+       {},
+       {{RLIMIT_NOFILE, 3}},
+       1,
+       "ErrorA00: The file of Asteroid Data cannot be found.\n",
+       "",
+       false},
       // A failed write of the score file does not change the verdict; no truncated file
       // is left.
-      {"ScoreFileOverTheSizeLimit", Files::demo, Tool::check, {}, {{RLIMIT_FSIZE, 1000}}, 0,
-       kVerdict, "kavren-check: cannot write ScoreData.txt: File too large\n", false},
-      {"ReportOutOfAddressSpace", Files::bench, Tool::report, {}, {{RLIMIT_AS, 16 * kMiB}}, 2,
-       "", "kavren-report: out of memory while verifying Result.txt\n", false},
-      {"ReportOverTheByteLimit", Files::demo, Tool::report, {"--max-bytes", "1000"}, {}, 2, "",
+      {"ScoreFileOverTheSizeLimit",
+       Files::demo,
+       Tool::check,
+       {},
+       {{RLIMIT_FSIZE, 1000}},
+       0,
+       kVerdict,
+       "kavren-check: cannot write ScoreData.txt: File too large\n",
+       false},
+      {"ReportOutOfAddressSpace",
+       Files::bench,
+       Tool::report,
+       {},
+       {{RLIMIT_AS, 16 * kMiB}},
+       2,
+       "",
+       "kavren-report: out of memory while verifying Result.txt\n",
+       false},
+      {"ReportOverTheByteLimit",
+       Files::demo,
+       Tool::report,
+       {"--max-bytes", "1000"},
+       {},
+       2,
+       "",
        "kavren-report: cannot verify Result.txt: the solution holds " + demo_bytes +
            " bytes, more than the limit of 1000\n",
        false},
       // A millisecond: far less than reading the file takes.
-      {"ReportPastTheDeadline", Files::hostile, Tool::report, {"--deadline", "0.001"}, {}, 2, "",
+      {"ReportPastTheDeadline",
+       Files::hostile,
+       Tool::report,
+       {"--deadline", "0.001"},
+       {},
+       2,
+       "",
        "kavren-report: cannot verify Result.txt: the deadline of 1 ms passed while the "
        "solution was verified\n",
        false},

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "support/error_case.h"
 #include "support/e2e.h"
+#include "support/error_case.h"
 #include "support/reference.h"
 
 namespace kavren::test {
@@ -34,8 +34,8 @@ std::vector<Arc> arcs_of(const std::vector<std::string>& lines) {
     Arc arc{static_cast<int>(i), {}, -1};
     std::size_t k = i + 1;
     for (; k < lines.size() && tokens_of(lines[k]).size() == 6; ++k) {
-      arc.lines.push_back({token(lines[k], 2), {token(lines[k], 3), token(lines[k], 4),
-                                               token(lines[k], 5)}});
+      arc.lines.push_back(
+          {token(lines[k], 2), {token(lines[k], 3), token(lines[k], 4), token(lines[k], 5)}});
     }
     arc.to = static_cast<int>(k);
     arcs.push_back(arc);
@@ -56,7 +56,8 @@ Scenario with_reference_ends() {
   Scenario s = demo_scenario();
   for (const Arc& arc : arcs_of(s.lines)) {
     const std::vector<double> end = reference_end(s, arc);
-    for (int j = 0; j < 7; ++j) s.lines[arc.to] = with_token(s.lines[arc.to], 3 + j, number(end[j]));
+    for (int j = 0; j < 7; ++j)
+      s.lines[arc.to] = with_token(s.lines[arc.to], 3 + j, number(end[j]));
   }
   return s;
 }
@@ -74,9 +75,9 @@ TEST(ReferenceArcs, SynthesisedEndStatesAgreeWithIndependentIntegration) {
     double written[7];
     for (int j = 0; j < 7; ++j) written[j] = token(s.lines[arc.to], 3 + j);
     SCOPED_TRACE("arc ending on line " + std::to_string(arc.to + 1));
-    EXPECT_LT(distance(end.data(), written, 3), 0.05);               // km
-    EXPECT_LT(distance(end.data() + 3, written + 3, 3), 1e-8);       // km/s
-    EXPECT_LT(std::fabs(end[6] - written[6]), 1e-7);                 // kg
+    EXPECT_LT(distance(end.data(), written, 3), 0.05);          // km
+    EXPECT_LT(distance(end.data() + 3, written + 3, 3), 1e-8);  // km/s
+    EXPECT_LT(std::fabs(end[6] - written[6]), 1e-7);            // kg
     for (const ArcLine& line : arc.lines) {
       if (line.u[0] != 0.0 || line.u[1] != 0.0 || line.u[2] != 0.0) {
         ++thrusting;

@@ -3,8 +3,8 @@
 // (its JSON's checker_output, exit_status and score_file equal kavren-check's bytes,
 // status and score file on the same files; the error cases call this too).
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 

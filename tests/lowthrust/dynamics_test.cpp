@@ -1,6 +1,5 @@
 // Equations of motion against a plain form written the obvious way (arrays rebuilt at
 // every call, the table scanned from its start), the thrust cap and the 0.3 AU guard.
-#include "console/checks.h"
 #include "lowthrust/dynamics.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "astro/constants.h"
+#include "console/checks.h"
 #include "lowthrust/rkf78_loop.h"
 #include "support/capture.h"
 

@@ -16,9 +16,9 @@ TEST(EndState, ToleranceMetAtItsValueExceededAbove) {
     int component;
     double error;
     const char* code;  // nullptr: accepted
-  } cases[] = {{0, 1000.0, nullptr},  {1, std::nextafter(1000.0, 2000.0), "Error201"},
-               {3, 0.001, nullptr},   {5, std::nextafter(0.001, 1.0), "Error202"},
-               {6, 0.001, nullptr},   {6, std::nextafter(0.001, 1.0), "Error203"}};
+  } cases[] = {{0, 1000.0, nullptr}, {1, std::nextafter(1000.0, 2000.0), "Error201"},
+               {3, 0.001, nullptr},  {5, std::nextafter(0.001, 1.0), "Error202"},
+               {6, 0.001, nullptr},  {6, std::nextafter(0.001, 1.0), "Error203"}};
   for (const auto& c : cases) {
     double reached[7] = {};
     reached[c.component] = c.error;

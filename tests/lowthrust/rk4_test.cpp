@@ -1,12 +1,12 @@
 // The fixed-step fourth-order integrator: local error order on an exact solution, and the
 // stepping driver's defined behaviour.
-#include "console/checks.h"
 #include "lowthrust/rk4.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
+#include "console/checks.h"
 #include "lowthrust/dynamics.h"
 #include "support/reference.h"
 
@@ -17,7 +17,9 @@ using kavren::test::local_error_slopes;
 
 // y' = cos t, y = sin t: a right-hand side of time alone, where only the nodes and the
 // weights of the stages count.
-void wave(double t, const double*, double* dy, const double*) { dy[0] = std::cos(t); }
+void wave(double t, const double*, double* dy, const double*) {
+  dy[0] = std::cos(t);
+}
 
 // One step from a point of the unit circular orbit, and one of y' = cos t: the local
 // error falls as h^5.
@@ -40,9 +42,13 @@ TEST(RK4, LocalErrorFallsAsTheFifthPowerOfTheStep) {
   for (double slope : local_error_slopes(wave_error, 0.4, 4)) EXPECT_NEAR(slope, 5.0, 0.25);
 }
 
-void growth(double, const double* y, double* dy, const double*) { dy[0] = y[0]; }
+void growth(double, const double* y, double* dy, const double*) {
+  dy[0] = y[0];
+}
 int g_calls = 0;
-void counted(double, const double*, double*, const double*) { ++g_calls; }
+void counted(double, const double*, double*, const double*) {
+  ++g_calls;
+}
 
 TEST(RK4, DriverRunsBackwardsAndFinishesAStepThatCannotAdvance) {
   double y[1] = {1.0};

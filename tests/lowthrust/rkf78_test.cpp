@@ -1,19 +1,19 @@
 // The Fehlberg 7(8) integrator: tableau conditions, the order of its step and the
 // invariants of a coast against exact two-body motion, and the status flags of its driver.
-#include "console/checks.h"
 #include "lowthrust/rkf78.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "astro/constants.h"
+#include "console/checks.h"
 #include "lowthrust/dynamics.h"
 #include "lowthrust/rkf78_loop.h"
 #include "lowthrust/thrust_table.h"
@@ -375,8 +375,8 @@ LegResult run_leg(Model model, double t, double tout, const double* y0) {
   r.flag = 1;
   double work[14 * 7];
   Counted<Model, kSpare> counted{model};
-  r.lines = RK::rkf78_integrate(counted, r.y, r.t, tout, 7, 1e-12, abs_tol, r.flag, work,
-                                100000, r.seen);
+  r.lines =
+      RK::rkf78_integrate(counted, r.y, r.t, tout, 7, 1e-12, abs_tol, r.flag, work, 100000, r.seen);
   r.evaluations = model.evaluations;
   r.made = counted.made;
   return r;
@@ -393,9 +393,9 @@ TEST(RKF78Legs, NaNLegsEndAsTheFullLoopWithoutItsCost) {
   // lines share an epoch.
   const double day = 86400.0 / kavren::kTU;
   auto table = [&](double last_step, double ux) {
-    return std::vector<double>{1.0,       4.0,       0.0, day, 2 * day, 2 * day + last_step,
-                               0.1,       ux,        0.1, 0.1, 0.0,     0.0,
-                               0.0,       0.0,       0.0, 0.0, 0.0,     0.0};
+    return std::vector<double>{1.0, 4.0, 0.0, day, 2 * day, 2 * day + last_step,
+                               0.1, ux,  0.1, 0.1, 0.0,     0.0,
+                               0.0, 0.0, 0.0, 0.0, 0.0,     0.0};
   };
   const std::vector<double> nan_thrust = table(day, nan);
   const std::vector<double> same_epoch = table(0.0, 0.1);

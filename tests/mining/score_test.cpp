@@ -1,6 +1,5 @@
 // The ship-count limit drawn from the average delivered mass, against the logarithmic
 // bound it states. The score file's bytes are compared whole by the end-to-end tables.
-#include "console/checks.h"
 #include "mining/score.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "console/checks.h"
 #include "support/capture.h"
 
 namespace {
@@ -31,7 +31,8 @@ int refused_maximum(int num_ships, const std::vector<double>& masses) {
   }
   EXPECT_EQ(outcome.status, 3);
   const std::string head = "Error301. Mining Ship Number Error: The number of Mining Ships is " +
-                           std::to_string(num_ships) + ", greater than the appropriable maximum number ";
+                           std::to_string(num_ships) +
+                           ", greater than the appropriable maximum number ";
   EXPECT_EQ(outcome.out.compare(0, head.size(), head), 0) << outcome.out;
   return std::stoi(outcome.out.substr(head.size()));
 }

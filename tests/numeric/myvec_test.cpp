@@ -16,7 +16,9 @@ namespace {
 
 using Elems = std::vector<double>;
 
-Elems elements(const MyVec& v) { return Elems(v.data, v.data + v.size); }
+Elems elements(const MyVec& v) {
+  return Elems(v.data, v.data + v.size);
+}
 
 MyVec from(const Elems& x) {
   MyVec v(static_cast<int>(x.size()));

@@ -116,7 +116,8 @@ TEST(O2M2, RecoversTheMeanSetWithAVanishingResidual) {
       {42164.0, 0.3, 5.0 * kDeg, 80.0 * kDeg, 150.0 * kDeg, 7.0 * kPi + 0.3}};
   for (const auto& mean : mean_sets) {
     // One more element than the set: the conversion writes six, no seventh.
-    double osc[6], back[7] = {0, 0, 0, 0, 0, 0, -1.0}, res[6], para[9] = {kMuEarth, kJ2Earth, kReqEarth};
+    double osc[6], back[7] = {0, 0, 0, 0, 0, 0, -1.0}, res[6],
+                   para[9] = {kMuEarth, kJ2Earth, kReqEarth};
     int flag = 0;
     M2O2(flag, osc, mean, kEarth);
     ASSERT_EQ(flag, 1);

@@ -1,5 +1,7 @@
 // The catalogue is a stream of numbers after one header line; the table must hold what
 // plain stream extraction would put there, whatever the file looks like.
+#include "readers/catalogue.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,7 +14,6 @@
 #include <vector>
 
 #include "console/checks.h"
-#include "readers/catalogue.h"
 #include "support/e2e.h"
 
 namespace {
@@ -64,10 +65,9 @@ TEST(CatalogueReader, EveryCellIsWhatStreamExtractionReads) {
   const std::string text = kavren::test::catalogue_text(planted);
   const std::size_t second_line = text.find('\n') + 1;
   const std::size_t end_of_record = text.find('\n', second_line);
-  std::vector<std::string> variants = {text, text.substr(second_line),
-                                       "header\n1 64328 2.5 0.1 5 10 20 30\n2 64328 2.6\n",
-                                       "1 64328 2.5 0.1 5 10 20 30",
-                                       text + "60001 64328 9 0.9 9 9 9 9\n"};
+  std::vector<std::string> variants = {
+      text, text.substr(second_line), "header\n1 64328 2.5 0.1 5 10 20 30\n2 64328 2.6\n",
+      "1 64328 2.5 0.1 5 10 20 30", text + "60001 64328 9 0.9 9 9 9 9\n"};
   variants.push_back(text);
   std::replace(variants.back().begin() + second_line, variants.back().end(), '\n', ' ');
   variants.push_back(text);

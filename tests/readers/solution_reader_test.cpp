@@ -1,5 +1,7 @@
 // The two forms of an arc the reader builds: its numbers read into the arc, or its lines
 // left in the solution's text and read where the arc is verified.
+#include "readers/solution_reader.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -7,7 +9,6 @@
 #include <vector>
 
 #include "readers/ship_assembly.h"
-#include "readers/solution_reader.h"
 #include "support/error_case.h"
 
 namespace kavren::test {
@@ -35,7 +36,9 @@ TEST(SolutionReader, ArcLinesReadOrLeftInTheTextAgree) {
       const BurningArc& in_arc = read[s].burning_arcs[a];
       const BurningArc& in_text = left.ships[s].burning_arcs[a];
       const std::size_t count =
-          in_arc.first_line < 0 ? 0 : static_cast<std::size_t>(in_arc.last_line - in_arc.first_line + 1);
+          in_arc.first_line < 0
+              ? 0
+              : static_cast<std::size_t>(in_arc.last_line - in_arc.first_line + 1);
       EXPECT_TRUE(in_arc.text.empty());
       EXPECT_TRUE(in_text.lines.empty() && in_text.values.empty());
       ASSERT_EQ(in_arc.lines.size(), count);

@@ -1,7 +1,6 @@
 // kavren-report's command line: every usage or input/output error ends with status 2,
 // one line on standard error naming the file and the reason, and nothing written.
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -22,30 +21,52 @@ struct UsageCase {
 
 std::vector<UsageCase> usage_cases() {
   return {
-      {"UnknownOption", {"--bogus"}, true,
+      {"UnknownOption",
+       {"--bogus"},
+       true,
        "kavren-report: The following argument was not expected: --bogus (see --help)\n"},
-      {"BadMode", {"--mode", "some"}, true,
+      {"BadMode",
+       {"--mode", "some"},
+       true,
        "kavren-report: --mode: some not in {all,first} (see --help)\n"},
-      {"MissingSolution", {"nothere.txt"}, true,
+      {"MissingSolution",
+       {"nothere.txt"},
+       true,
        "kavren-report: cannot read nothere.txt: No such file or directory\n"},
-      {"NoResultInFolder", {}, false,
+      {"NoResultInFolder",
+       {},
+       false,
        "kavren-report: cannot read Result.txt: No such file or directory\n"},
-      {"DirectoryAsSolution", {"folder"}, true,
+      {"DirectoryAsSolution",
+       {"folder"},
+       true,
        "kavren-report: cannot read folder: it is a directory\n"},
-      {"MissingCatalogue", {"--catalogue", "cat.txt"}, true,
+      {"MissingCatalogue",
+       {"--catalogue", "cat.txt"},
+       true,
        "kavren-report: cannot read the catalogue cat.txt: no such file or not readable\n"},
-      {"DirectoryAsCatalogue", {"--catalogue", "folder"}, true,
+      {"DirectoryAsCatalogue",
+       {"--catalogue", "folder"},
+       true,
        "kavren-report: cannot read the catalogue folder: it is a directory\n"},
-      {"StandardInputTwice", {"-", "-"}, true,
+      {"StandardInputTwice",
+       {"-", "-"},
+       true,
        "kavren-report: standard input can be read only once\n"},
-      {"OutputIntoDirectory", {"--json", "folder"}, true,
+      {"OutputIntoDirectory",
+       {"--json", "folder"},
+       true,
        "kavren-report: cannot write folder: it is a directory\n"},
-      {"OutputInMissingFolder", {"--html", "none/page.html"}, true,
+      {"OutputInMissingFolder",
+       {"--html", "none/page.html"},
+       true,
        "kavren-report: cannot write none/page.html: No such file or directory\n"},
   };
 }
 
-void PrintTo(const UsageCase& c, std::ostream* os) { *os << c.name; }
+void PrintTo(const UsageCase& c, std::ostream* os) {
+  *os << c.name;
+}
 
 class UsageErrors : public ::testing::TestWithParam<UsageCase> {};
 

@@ -1,13 +1,14 @@
 // The renderings of a real report: the page of a 100-ship fleet stays small, text
 // from the solution cannot break out of the page, findings quote the lines they name, and
 // the terminal text leads with the checker's verdict.
+#include "report/render.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <string>
 
-#include "report/render.h"
 #include "report/report_fixture.h"
 
 namespace kavren::test {

@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "report/report_fixture.h"
 #include "json/json_value.h"
+#include "report/report_fixture.h"
 
 namespace kavren::test {
 namespace {
@@ -97,7 +97,8 @@ TEST(ReportJson, NumbersRoundTripAndNonFiniteAreNull) {
   EXPECT_TRUE(finding.at("limit").is_null());
   EXPECT_TRUE(finding.at("margin").is_null());
   EXPECT_EQ(finding.at("lines"), ordered_json::array({3, 4}));
-  EXPECT_EQ(finding.at("message").get<std::string>(), "bytes that are not UTF-8: \xEF\xBF\xBD\xEF\xBF\xBD\n");
+  EXPECT_EQ(finding.at("message").get<std::string>(),
+            "bytes that are not UTF-8: \xEF\xBF\xBD\xEF\xBF\xBD\n");
   const ordered_json& r0 = json.at("summary").at("per_ship").at(0).at("events").at(0).at("r");
   EXPECT_EQ(r0.at(0).get<double>(), 1e300);
   EXPECT_EQ(r0.at(1).get<double>(), -std::numeric_limits<double>::denorm_min());

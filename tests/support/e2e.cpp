@@ -49,7 +49,9 @@ std::optional<std::string> TempDir::read(const std::string& name) const {
   return bytes.str();
 }
 
-std::string checker_binary() { return KAVREN_CHECK_BIN; }
+std::string checker_binary() {
+  return KAVREN_CHECK_BIN;
+}
 
 namespace {
 

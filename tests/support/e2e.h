@@ -22,9 +22,9 @@
 namespace kavren::test {
 
 struct RunResult {
-  std::string out;                  // standard output, byte for byte
-  std::string err;                  // standard error
-  int status = -1;                  // exit status; 128 + signal when killed
+  std::string out;                   // standard output, byte for byte
+  std::string err;                   // standard error
+  int status = -1;                   // exit status; 128 + signal when killed
   std::optional<std::string> score;  // bytes of ScoreData.txt, if the run left one
 };
 

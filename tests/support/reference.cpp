@@ -13,16 +13,18 @@ namespace {
 // Canonical units of the integration: lengths in AU, the Sun's parameter 1.
 const double kTimeUnit = std::sqrt(kAU * kAU * kAU / kMuSun);  // s
 const double kSpeedUnit = kAU / kTimeUnit;                     // km/s
-constexpr double kDay = 86400.0;               // s
-constexpr double kMissionStart = 64328.0;      // MJD
-constexpr double kThrustCap = 0.6;             // N
-constexpr double kExhaustSpeed = 4000.0 * 0.00980665;  // km/s
+constexpr double kDay = 86400.0;                               // s
+constexpr double kMissionStart = 64328.0;                      // MJD
+constexpr double kThrustCap = 0.6;                             // N
+constexpr double kExhaustSpeed = 4000.0 * 0.00980665;          // km/s
 
-double tu(double mjd) { return (mjd - kMissionStart) * kDay / kTimeUnit; }
+double tu(double mjd) {
+  return (mjd - kMissionStart) * kDay / kTimeUnit;
+}
 
 // Thrust (N) at t (TU) from a table of n points.
-void thrust_at(const std::vector<double>& x, const std::vector<std::array<double, 3>>& u,
-               double t, double* out) {
+void thrust_at(const std::vector<double>& x, const std::vector<std::array<double, 3>>& u, double t,
+               double* out) {
   const int n = static_cast<int>(x.size());
   int first = 0, count = n;
   if (n > 4) {

@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -23,18 +24,16 @@
 #include <iterator>
 #include <mutex>
 #include <new>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
-
+#include "kavren/json.h"
 #include "kavren/verify.h"
 #include "report/render.h"
-#include "kavren/json.h"
 
 namespace {
 
@@ -48,7 +47,9 @@ struct Failure : std::runtime_error {
 const char* const kDefaultSolution = "Result.txt";
 const char* const kDefaultCatalogue = "KAVREN_Asteroids_Data.txt";
 
-std::string shown(const std::string& name) { return name == "-" ? "standard input" : name; }
+std::string shown(const std::string& name) {
+  return name == "-" ? "standard input" : name;
+}
 
 // The file being read, verified or reported on, named when memory runs out.
 std::string g_working_on = kDefaultSolution;
@@ -193,8 +194,7 @@ int run(const Settings& settings) {
   const kavren::Catalogue catalogue = read_catalogue(settings.catalogue);
 
   const unsigned budget = static_cast<unsigned>(std::max(1, settings.threads));
-  const unsigned parallel_files =
-      std::min<unsigned>(budget, static_cast<unsigned>(checked.size()));
+  const unsigned parallel_files = std::min<unsigned>(budget, static_cast<unsigned>(checked.size()));
   const int workers_per_file = static_cast<int>(std::max(1u, budget / parallel_files));
 
   Progress progress(isatty(STDERR_FILENO) != 0, checked.size());
@@ -252,8 +252,8 @@ int run(const Settings& settings) {
       throw Failure("cannot verify " + shown(c.name) + ": " + c.report.error);
     }
   }
-  if (checked.size() > 1) g_working_on = "the reports of " + std::to_string(checked.size()) +
-                                         " solutions";
+  if (checked.size() > 1)
+    g_working_on = "the reports of " + std::to_string(checked.size()) + " solutions";
 
   // The outputs are built whole, then written.
   if (!settings.json_path.empty()) {
@@ -278,14 +278,14 @@ int run(const Settings& settings) {
   if (settings.json_path != "-" && settings.html_path != "-") {
     const char* no_colour = std::getenv("NO_COLOR");
     kavren::report::TextStyle style;
-    style.colour = settings.colour == "always" ||
-                   (settings.colour == "auto" && isatty(STDOUT_FILENO) != 0 &&
-                    (no_colour == nullptr || *no_colour == '\0'));
+    style.colour =
+        settings.colour == "always" || (settings.colour == "auto" && isatty(STDOUT_FILENO) != 0 &&
+                                        (no_colour == nullptr || *no_colour == '\0'));
     std::string text;
     for (std::size_t k = 0; k < checked.size(); ++k) {
       if (checked.size() > 1) {
-        text += (k ? "\n" : "") + std::string(style.colour ? "\033[1m" : "") + "== " +
-                shown(checked[k].name) + " ==" + (style.colour ? "\033[0m" : "") + "\n";
+        text += (k ? "\n" : "") + std::string(style.colour ? "\033[1m" : "") +
+                "== " + shown(checked[k].name) + " ==" + (style.colour ? "\033[0m" : "") + "\n";
       }
       text += kavren::report::render_text(checked[k], style);
     }

@@ -11,8 +11,8 @@ namespace kavren::report {
 
 // One verified solution file and what was learned about it.
 struct Checked {
-  std::string name;      // as named on the command line; "-" for standard input
-  std::string text;      // the solution's bytes (the HTML page quotes the lines it names)
+  std::string name;  // as named on the command line; "-" for standard input
+  std::string text;  // the solution's bytes (the HTML page quotes the lines it names)
   Report report;
   double seconds = 0.0;  // wall time of the verification
 };

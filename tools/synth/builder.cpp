@@ -110,7 +110,9 @@ void Builder::arc_to(double epoch, const std::vector<Phase>& phases) {
   for (int k = 0; k < 6; ++k) reached_rv_[k] = reached[k];
 }
 
-int Builder::plant_here() { return catalogue_.plant(reached_rv_, reached_.epoch); }
+int Builder::plant_here() {
+  return catalogue_.plant(reached_rv_, reached_.epoch);
+}
 
 int Builder::deploy(int asteroid) {
   const int id = asteroid != 0 ? asteroid : plant_here();
@@ -135,7 +137,8 @@ void Builder::collect(int asteroid, double mass) {
 void Builder::earth_drop() {
   StateStruct first = write_event(-3, reached_.epoch, reached_.r, reached_.v, reached_.mass);
   check_at_body(-3, first, 6.0);
-  if (!(kavren::excess_speed(-3, first, catalogue_.rows()) <= 6.0)) throw std::runtime_error("Earth drop too fast");
+  if (!(kavren::excess_speed(-3, first, catalogue_.rows()) <= 6.0))
+    throw std::runtime_error("Earth drop too fast");
   last_ = write_event(-3, reached_.epoch, first.r, first.v, first.mass - carried_);
   carried_ = 0.0;
   last_drop_[ship_] = last_.epoch;

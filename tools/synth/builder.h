@@ -66,8 +66,8 @@ class Builder {
   Catalogue& catalogue_;
   std::vector<std::string> lines_;
   int ship_ = 0;
-  StateStruct last_;      // second line of the ship's last event
-  StateStruct reached_;   // where the last arc ended (epoch, r, v, mass)
+  StateStruct last_;     // second line of the ship's last event
+  StateStruct reached_;  // where the last arc ended (epoch, r, v, mass)
   double reached_rv_[6] = {0, 0, 0, 0, 0, 0};
   double carried_ = 0.0;  // resources collected since the last drop
   struct Visit {
@@ -76,8 +76,8 @@ class Builder {
     double mass_change;
     int ship;
   };
-  std::vector<Visit> visits_;           // file order
-  std::map<int, double> last_drop_;     // ship -> epoch of its last Earth drop
+  std::vector<Visit> visits_;        // file order
+  std::map<int, double> last_drop_;  // ship -> epoch of its last Earth drop
 };
 
 }  // namespace synth

@@ -13,7 +13,9 @@ std::string fmt(double x) {
   return buffer;
 }
 
-double reparse(double x) { return std::strtod(fmt(x).c_str(), nullptr); }
+double reparse(double x) {
+  return std::strtod(fmt(x).c_str(), nullptr);
+}
 
 namespace {
 
