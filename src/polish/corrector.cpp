@@ -13,7 +13,7 @@
 namespace kavren {
 namespace {
 
-constexpr int kMaxParams = 7;
+constexpr int kMaxParams = 8;
 constexpr int kResiduals = 7;
 constexpr double kStep = 1e-4;         // finite-difference step: rad, or relative magnitude
 constexpr double kMaxTurnStep = 0.05;  // rad one Newton step may turn a line at most
@@ -57,6 +57,11 @@ double largest_turn(const double* p) {
   return std::max(norm3(w1), norm3(w2));
 }
 
+// The largest relative magnitude change the parameters give any line.
+double largest_scale(const double* p, int n) {
+  return (n > 6 ? std::abs(p[6]) : 0.0) + (n > 7 ? std::abs(p[7]) : 0.0);
+}
+
 class ArcModel {
  public:
   ArcModel(const BurningArc& arc, const ArcPhases& phases, std::vector<Line> lines)
@@ -71,7 +76,7 @@ class ArcModel {
     double w[3];
     rotation_at(p, line.tau, w);
     rotate(w, line.u, u);
-    const double scale = n > 6 ? 1.0 + p[6] : 1.0;
+    const double scale = 1.0 + (n > 6 ? p[6] : 0.0) + (n > 7 ? p[7] * line.tau : 0.0);
     for (int k = 0; k < 3; ++k) u[k] *= scale;
     double magnitude = norm3(u);
     if (!(magnitude > kThrustCap)) return;
@@ -229,9 +234,8 @@ Solve levenberg_marquardt(ArcModel& model, const double* r0, int n, double aim, 
       double shrink = 1.0;
       const double turn = largest_turn(step);
       if (turn > kMaxTurnStep) shrink = kMaxTurnStep / turn;
-      if (n > 6 && std::abs(step[6]) * shrink > settings.max_scale) {
-        shrink = settings.max_scale / std::abs(step[6]);
-      }
+      const double rescale = largest_scale(step, n);
+      if (rescale * shrink > settings.max_scale) shrink = settings.max_scale / rescale;
       double q[kMaxParams] = {}, rq[kResiduals];
       for (int k = 0; k < n; ++k) q[k] = s.p[k] + shrink * step[k];
       bool capped = false;
@@ -309,19 +313,28 @@ Correction correct_arc(const BurningArc& arc, const CorrectorSettings& settings)
   std::copy(out.before, out.before + 3, out.after);
 
   const double aim = 0.1 * settings.safety;
-  // Turning keeps the mass flow: the magnitude is varied only when the mass is off.
+  // Turning keeps the mass flow, so the thrust is turned first; the magnitude is varied
+  // (one common factor, then one that changes linearly along the arc) only when the mass
+  // is off or turning alone does not reach the end state.
   const bool mass_off = std::abs(r0[6]) > 0.5 * settings.safety;
-  Solve best = levenberg_marquardt(model, r0, mass_off ? 7 : 6, aim,
-                                   mass_off ? aim : settings.safety, settings);
-  int n = mass_off ? 7 : 6;
-  int iterations = best.iterations;
-  if (best.reached && !within(best.r, settings.safety, settings.safety) && n == 6) {
-    Solve again = levenberg_marquardt(model, r0, 7, aim, aim, settings);
-    iterations += again.iterations;
-    if (!again.reached || cost_of(again.r) < cost_of(best.r)) {
-      best = again;
-      n = 7;
+  const auto acceptable = [&](const Solve& s, int n) {
+    return s.reached && within(s.r, settings.safety, settings.safety) &&
+           largest_turn(s.p) <= settings.max_radians &&
+           largest_scale(s.p, n) <= settings.max_scale;
+  };
+  Solve best;
+  int n = 0;
+  int iterations = 0;
+  for (int params = mass_off ? 7 : 6; params <= kMaxParams; ++params) {
+    Solve s = levenberg_marquardt(model, r0, params, aim, params == 6 ? settings.safety : aim,
+                                  settings);
+    iterations += s.iterations;
+    const bool better = n == 0 || (s.reached && (!best.reached || cost_of(s.r) < cost_of(best.r)));
+    if (acceptable(s, params) || better) {
+      best = s;
+      n = params;
     }
+    if (acceptable(s, params)) break;
   }
   out.iterations = iterations;
   out.integrations = model.integrations();
@@ -332,7 +345,7 @@ Correction correct_arc(const BurningArc& arc, const CorrectorSettings& settings)
   double reached[3];
   errors_of(best.r, reached);
   const double turn = largest_turn(best.p);
-  const double scale = n > 6 ? best.p[6] : 0.0;
+  const double scale = largest_scale(best.p, n);
   if (turn > settings.max_radians) {
     out.reason = format("a turn of %.3g degrees would be needed, more than the %.3g allowed",
                         turn * kDegrees, settings.max_radians * kDegrees);
@@ -341,7 +354,7 @@ Correction correct_arc(const BurningArc& arc, const CorrectorSettings& settings)
   if (std::abs(scale) > settings.max_scale) {
     out.reason = format("a magnitude change of %.3g %% would be needed, more than the %.3g %% "
                         "allowed",
-                        100.0 * std::abs(scale), 100.0 * settings.max_scale);
+                        100.0 * scale, 100.0 * settings.max_scale);
     return out;
   }
   if (!within(best.r, settings.safety, settings.safety)) {

@@ -1,8 +1,9 @@
 // The differential corrector of one burning arc. The thrust of every thrust line is
 // turned by a rotation vector that varies linearly along the arc (six parameters) and,
-// when the end mass is off, scaled by one common factor (a seventh); the parameters are
-// solved by Levenberg-Marquardt on the end-state error of the verifier's own integration
-// of the arc, with a Jacobian by finite differences of that integration.
+// when the end mass is off or turning alone cannot reach the end state, scaled by a
+// factor that is common (a seventh) or varies linearly along the arc (an eighth); the
+// parameters are solved by Levenberg-Marquardt on the end-state error of the verifier's
+// own integration of the arc, with a Jacobian by finite differences of that integration.
 #pragma once
 
 #include <array>
