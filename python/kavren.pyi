@@ -279,3 +279,49 @@ def verify(
 
     Raises MemoryError (with the reason) when memory cannot be had, and OSError when a
     path cannot be read. The interpreter lock is released while it runs."""
+
+class ArcPolish:
+    """One arc whose end state failed (Error201, Error202, Error203)."""
+    ship: int
+    first_line: int  # the arc's first line, 1-based; 0 when it has none
+    last_line: int
+    end_line: int  # the line of the end state, the findings' line
+    codes: list[str]
+    polished: bool
+    reason: str  # why not, when not polished
+    before: tuple[float, float, float]  # end-state errors: km, km/s, kg
+    after: tuple[float, float, float]
+    max_turn_degrees: float
+    max_magnitude_change: float  # N
+    changed_lines: int
+    iterations: int
+    integrations: int
+
+class LeftFinding:
+    """A finding polishing leaves as it is, and why."""
+    code: str
+    lines: list[int]
+    ship: int
+    reason: str
+
+class PolishResult:
+    text: str  # the polished solution
+    arcs: list[ArcPolish]  # one entry per failing arc, in file order
+    left: list[LeftFinding]
+    report: Report  # the polished text verified, every finding (mode "all")
+
+def polish(
+    solution: Union[str, bytes, bytearray, os.PathLike[str]],
+    catalogue: Catalogue,
+    safety: float = 0.5,
+    max_degrees: float = 10.0,
+    threads: Optional[int] = None,
+) -> PolishResult:
+    """Changes the thrust numbers of every burning arc whose end state misses so that the
+    verifier's integration lands on it; only those numbers change.
+
+    safety: the polished arcs' end-state errors stay within this fraction of each limit.
+    max_degrees: the largest turn of a thrust line.
+    threads: workers (None: one per core); the result does not depend on it.
+    """
+    ...
