@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "kavren/polish.h"
+#include "report/render.h"
 #include "support/e2e.h"
 #include "support/error_case.h"
 
@@ -145,6 +146,7 @@ struct RefusalCase {
   std::vector<std::string> left;  // codes left as they are
   bool polished_any;              // some arc polished
   const char* reason;             // in the left findings' reasons, else the refused arcs'
+  const char* hint;               // kavren-report's word beside the failing arc
 };
 
 void PrintTo(const RefusalCase& c, std::ostream* os) { *os << c.name; }
@@ -169,6 +171,11 @@ TEST_P(Refusals, FindingsThatCannotBePolishedStayWithTheirReason) {
   for (const std::string& line : lines) text += line + "\n";
   const Catalogue catalogue = Catalogue::from_text(demo_scenario().catalogue);
   const PolishResult r = polish(catalogue, text, {});
+  Options all;
+  all.mode = Mode::all;
+  const std::string shown =
+      report::render_text({"Result.txt", text, verify(catalogue, text, all)}, {false});
+  EXPECT_NE(shown.find(c.hint), std::string::npos) << shown;
   std::vector<std::string> left;
   for (const LeftFinding& f : r.left) {
     left.push_back(f.code);
@@ -202,9 +209,10 @@ TEST_P(Refusals, FindingsThatCannotBePolishedStayWithTheirReason) {
 INSTANTIATE_TEST_SUITE_P(
     Polish, Refusals,
     ::testing::Values(
-        RefusalCase{"CoastOnlyMiss", 3, 0, 6, 0.003, {}, false, "no thrust to vary"},
+        RefusalCase{"CoastOnlyMiss", 3, 0, 6, 0.003, {}, false, "no thrust to vary",
+                    "has no thrust: kavren-polish cannot fix it"},
         RefusalCase{"MissAtAnEvent", 5, 1, 3, 1100.0, {"Error704", "Error704"}, true,
-                    "an event against its body"}),
+                    "an event against its body", "has thrust: kavren-polish can turn it"}),
     [](const ::testing::TestParamInfo<RefusalCase>& info) {
       return std::string(info.param.name);
     });
