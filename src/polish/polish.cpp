@@ -141,7 +141,6 @@ PolishResult polish(const Catalogue& catalogue, std::string_view solution,
   verify_options.workers = threads;
 
   PolishResult result;
-  result.text = std::string(solution);
   Report original = verify(catalogue, solution, verify_options);
   std::map<std::pair<int, long long>, std::vector<std::string>> ends;
   for (const Finding& f : original.findings) {
@@ -152,6 +151,7 @@ PolishResult polish(const Catalogue& catalogue, std::string_view solution,
     }
   }
   if (ends.empty() || original.outcome != Outcome::verified) {
+    result.text = std::string(solution);
     result.report = std::move(original);
     return result;
   }
@@ -224,15 +224,19 @@ PolishResult polish(const Catalogue& catalogue, std::string_view solution,
   for (const Finding& f : original.findings) ++before[finding_key(f.code, f.ship, f.lines)];
 
   // Verify the polished text; arcs that changed anything else are put back as they were.
-  Report polished = original;
-  for (int round = 0; round < 4; ++round) {
+  Report polished;
+  for (int round = 0;; ++round) {
     std::vector<ThrustEdit> all;
     for (std::size_t k = 0; k < jobs.size(); ++k) {
       if (kept[k]) all.insert(all.end(), edits[k].begin(), edits[k].end());
     }
-    if (all.empty()) {
+    if (all.empty() || round == 4) {
+      for (std::size_t k = 0; k < jobs.size(); ++k) {
+        if (kept[k]) jobs[k].entry.reason = "its polished file kept failing its verification";
+        kept[k] = false;
+      }
       result.text = std::string(solution);
-      polished = original;
+      polished = std::move(original);
       break;
     }
     result.text = apply_thrust_edits(solution, starts, all);

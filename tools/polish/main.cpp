@@ -16,7 +16,6 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -47,7 +46,12 @@ std::string read_file(const std::string& name) {
   if (S_ISDIR(info.st_mode)) throw Failure("cannot read " + name + ": it is a directory");
   std::ifstream in(name, std::ios::binary);
   if (!in) throw Failure("cannot read " + name + ": " + std::strerror(errno));
-  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  std::string bytes;
+  bytes.reserve(static_cast<std::size_t>(info.st_size));
+  char buffer[1 << 16];
+  while (in.read(buffer, sizeof buffer) || in.gcount() > 0) {
+    bytes.append(buffer, static_cast<std::size_t>(in.gcount()));
+  }
   if (in.bad()) throw Failure("cannot read " + name + ": read error");
   return bytes;
 }
