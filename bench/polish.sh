@@ -39,13 +39,17 @@ for ((seed = 1; seed <= cases; ++seed)); do
     grep -v ": polished, " "$d/polish.txt" | sed 's/^/  /'
   fi
 done
+if [ "$cases" -gt 0 ]; then
 misses=$(for ((seed = 1; seed <= cases; ++seed)); do tail -n +2 "$work/s$seed/misses.txt"; done)
 echo "success: $ok of $cases near misses ($arcs arcs) polished to an accepted file"
 echo "$misses" | awk -F'\t' 'NR == 1 {lo = $6; hi = $6} {if ($6 < lo) lo = $6; if ($6 > hi) hi = $6}
   END {printf "misses from %.0f km to %.0f km\n", lo, hi}'
 cat "$work"/s*/polish.txt | grep ": polished, " |
   sed -E 's/.*turn ([0-9.e+-]+) deg.* ([0-9]+) iterations, ([0-9]+) integrations/\1 \2 \3/' |
-  sort -g | awk '{t[NR] = $1; it += $2; n += $3} END {printf "turns: median %.3g deg, largest %.3g deg; %.1f iterations and %.1f integrations per arc on average\n", t[int((NR + 1) / 2)], t[NR], it / NR, n / NR}'
+  sort -g | awk '{t[NR] = $1; it += $2; n += $3}
+    END {printf "turns: median %.3g deg, largest %.3g deg; ", t[int((NR + 1) / 2)], t[NR]
+         printf "%.1f iterations and %.1f integrations per arc on average\n", it / NR, n / NR}'
+fi
 
 for ((seed = 1; seed <= bench_cases; ++seed)); do
   d="$work/bench$seed"
@@ -57,7 +61,8 @@ for ((seed = 1; seed <= bench_cases; ++seed)); do
     end=$(date +%s.%N)
     times+=("$(echo "$end - $start" | bc)")
   done
-  median=$(printf '%s\n' "${times[@]}" | sort -g | awk '{v[NR] = $1} END {print v[int((NR + 1) / 2)]}')
+  median=$(printf '%s\n' "${times[@]}" | sort -g |
+    awk '{v[NR] = $1} END {print v[int((NR + 1) / 2)]}')
   verdict=$(sed -n '/^Verdict of/{n;p;q}' "$d/polish.txt")
   echo "100-ship bench, three arcs off, case $seed: median $median s of $repetitions ($verdict)"
 done

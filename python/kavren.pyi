@@ -282,33 +282,81 @@ def verify(
 
 class ArcPolish:
     """One arc whose end state failed (Error201, Error202, Error203)."""
-    ship: int
-    first_line: int  # the arc's first line, 1-based; 0 when it has none
-    last_line: int
-    end_line: int  # the line of the end state, the findings' line
-    codes: list[str]
-    polished: bool
-    reason: str  # why not, when not polished
-    before: tuple[float, float, float]  # end-state errors: km, km/s, kg
-    after: tuple[float, float, float]
-    max_turn_degrees: float
-    max_magnitude_change: float  # N
-    changed_lines: int
-    iterations: int
-    integrations: int
+
+    @property
+    def ship(self) -> int:
+        """1-based ordinal of the ship."""
+    @property
+    def first_line(self) -> int:
+        """The arc's first line, 1-based; 0 when it has none."""
+    @property
+    def last_line(self) -> int:
+        """The arc's last line, 1-based; 0 when it has none."""
+    @property
+    def end_line(self) -> int:
+        """The line of the end state, the findings' line."""
+    @property
+    def codes(self) -> list[str]:
+        """What was found there: "Error201" ..."""
+    @property
+    def polished(self) -> bool:
+        """True when its thrust was changed and the polished file verified."""
+    @property
+    def reason(self) -> str:
+        """Why not, when not polished."""
+    @property
+    def before(self) -> tuple[float, float, float]:
+        """End-state errors before: position km, velocity km/s, mass kg."""
+    @property
+    def after(self) -> tuple[float, float, float]:
+        """End-state errors after (as before when not polished)."""
+    @property
+    def max_turn_degrees(self) -> float:
+        """Largest change of direction of a thrust line."""
+    @property
+    def max_magnitude_change(self) -> float:
+        """Largest change of a thrust magnitude, N."""
+    @property
+    def changed_lines(self) -> int:
+        """Thrust lines changed."""
+    @property
+    def iterations(self) -> int:
+        """Newton iterations."""
+    @property
+    def integrations(self) -> int:
+        """Integrations of the arc."""
 
 class LeftFinding:
     """A finding polishing leaves as it is, and why."""
-    code: str
-    lines: list[int]
-    ship: int
-    reason: str
+
+    @property
+    def code(self) -> str:
+        """The message code."""
+    @property
+    def lines(self) -> list[int]:
+        """1-based lines it concerns."""
+    @property
+    def ship(self) -> int:
+        """1-based ordinal of the ship, 0 when none."""
+    @property
+    def reason(self) -> str:
+        """Why polishing leaves it."""
 
 class PolishResult:
-    text: str  # the polished solution
-    arcs: list[ArcPolish]  # one entry per failing arc, in file order
-    left: list[LeftFinding]
-    report: Report  # the polished text verified, every finding (mode "all")
+    """A polished solution."""
+
+    @property
+    def text(self) -> str:
+        """The polished solution's text."""
+    @property
+    def arcs(self) -> list[ArcPolish]:
+        """One entry per failing arc, in file order."""
+    @property
+    def left(self) -> list[LeftFinding]:
+        """The other findings, left as they are."""
+    @property
+    def report(self) -> Report:
+        """The polished text verified, every finding (mode "all")."""
 
 def polish(
     solution: Union[str, bytes, bytearray, os.PathLike[str]],

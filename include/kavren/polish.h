@@ -36,18 +36,18 @@ struct PolishOptions {
 
 // One arc whose end state failed.
 struct ArcPolish {
-  int ship = 0;                 // 1-based ordinal of the ship
-  long long first_line = 0;     // the arc's lines, 1-based (0 when it has none)
+  int ship = 0;              // 1-based ordinal of the ship
+  long long first_line = 0;  // the arc's lines, 1-based (0 when it has none)
   long long last_line = 0;
-  long long end_line = 0;       // the line of the written end state (the findings' line)
+  long long end_line = 0;          // the line of the written end state (the findings' line)
   std::vector<std::string> codes;  // what the verifier found there: "Error201" ...
   bool polished = false;
-  std::string reason;           // why not, when not polished
+  std::string reason;  // why not, when not polished
   // End-state errors: position km, velocity km/s, mass kg; before and after (after equals
   // before when the arc was not polished).
   double before[3] = {kNotANumber, kNotANumber, kNotANumber};
   double after[3] = {kNotANumber, kNotANumber, kNotANumber};
-  double max_turn_degrees = 0.0;    // largest change of direction of a thrust line
+  double max_turn_degrees = 0.0;      // largest change of direction of a thrust line
   double max_magnitude_change = 0.0;  // largest change of a thrust magnitude, N
   int changed_lines = 0;
   int iterations = 0;
@@ -63,10 +63,10 @@ struct LeftFinding {
 };
 
 struct PolishResult {
-  std::string text;                // the polished solution (the input when nothing changed)
-  std::vector<ArcPolish> arcs;     // one entry per failing arc, in file order
-  std::vector<LeftFinding> left;   // the other findings of the input, in its order
-  Report report;                   // the polished text verified, every finding (Mode::all)
+  std::string text;               // the polished solution (the input when nothing changed)
+  std::vector<ArcPolish> arcs;    // one entry per failing arc, in file order
+  std::vector<LeftFinding> left;  // the other findings of the input, in its order
+  Report report;                  // the polished text verified, every finding (Mode::all)
 };
 
 // Polishes the failing arcs of a solution. Throws std::invalid_argument on options out

@@ -19,7 +19,9 @@ constexpr double kStep = 1e-4;         // finite-difference step: rad, or relati
 constexpr double kMaxTurnStep = 0.05;  // rad one Newton step may turn a line at most
 constexpr double kDegrees = 57.295779513082323;
 
-double norm3(const double* v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); }
+double norm3(const double* v) {
+  return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+}
 
 // v turned about the rotation vector w (its direction the axis, its length the angle).
 void rotate(const double* w, const double* v, double* out) {
@@ -285,7 +287,8 @@ Correction correct_arc(const BurningArc& arc, const CorrectorSettings& settings)
       if (!(magnitude > 0.0)) continue;
       if (magnitude > kZeroThrust) thrusts = true;
       Line line{i, 0.0, {}};
-      for (int axis = 0; axis < 3; ++axis) line.u[axis] = table.thrust(static_cast<std::size_t>(i), axis);
+      for (int axis = 0; axis < 3; ++axis)
+        line.u[axis] = table.thrust(static_cast<std::size_t>(i), axis);
       lines.push_back(line);
     }
   }
@@ -319,15 +322,14 @@ Correction correct_arc(const BurningArc& arc, const CorrectorSettings& settings)
   const bool mass_off = std::abs(r0[6]) > 0.5 * settings.safety;
   const auto acceptable = [&](const Solve& s, int n) {
     return s.reached && within(s.r, settings.safety, settings.safety) &&
-           largest_turn(s.p) <= settings.max_radians &&
-           largest_scale(s.p, n) <= settings.max_scale;
+           largest_turn(s.p) <= settings.max_radians && largest_scale(s.p, n) <= settings.max_scale;
   };
   Solve best;
   int n = 0;
   int iterations = 0;
   for (int params = mass_off ? 7 : 6; params <= kMaxParams; ++params) {
-    Solve s = levenberg_marquardt(model, r0, params, aim, params == 6 ? settings.safety : aim,
-                                  settings);
+    Solve s =
+        levenberg_marquardt(model, r0, params, aim, params == 6 ? settings.safety : aim, settings);
     iterations += s.iterations;
     const bool better = n == 0 || (s.reached && (!best.reached || cost_of(s.r) < cost_of(best.r)));
     if (acceptable(s, params) || better) {
@@ -352,18 +354,20 @@ Correction correct_arc(const BurningArc& arc, const CorrectorSettings& settings)
     return out;
   }
   if (std::abs(scale) > settings.max_scale) {
-    out.reason = format("a magnitude change of %.3g %% would be needed, more than the %.3g %% "
-                        "allowed",
-                        100.0 * scale, 100.0 * settings.max_scale);
+    out.reason = format(
+        "a magnitude change of %.3g %% would be needed, more than the %.3g %% "
+        "allowed",
+        100.0 * scale, 100.0 * settings.max_scale);
     return out;
   }
   if (!within(best.r, settings.safety, settings.safety)) {
     if (best.capped && std::abs(best.r[6]) > settings.safety) {
       out.reason = "its thrust is at the 0.6 N cap where more is needed";
     } else {
-      out.reason = format("the miss is beyond what the allowed change can correct (closest "
-                          "reached: %.6g km, %.6g m/s, %.6g kg)",
-                          reached[0], reached[1] * 1000.0, reached[2]);
+      out.reason = format(
+          "the miss is beyond what the allowed change can correct (closest "
+          "reached: %.6g km, %.6g m/s, %.6g kg)",
+          reached[0], reached[1] * 1000.0, reached[2]);
     }
     return out;
   }
@@ -381,8 +385,7 @@ Correction correct_arc(const BurningArc& arc, const CorrectorSettings& settings)
                              line.u[2] * u[0] - line.u[0] * u[2],
                              line.u[0] * u[1] - line.u[1] * u[0]};
     const double dot = line.u[0] * u[0] + line.u[1] * u[1] + line.u[2] * u[2];
-    out.max_turn_degrees =
-        std::max(out.max_turn_degrees, std::atan2(norm3(cross), dot) * kDegrees);
+    out.max_turn_degrees = std::max(out.max_turn_degrees, std::atan2(norm3(cross), dot) * kDegrees);
     out.max_magnitude_change =
         std::max(out.max_magnitude_change, std::abs(norm3(u) - norm3(line.u)));
   }

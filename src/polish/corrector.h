@@ -15,15 +15,15 @@
 namespace kavren {
 
 struct CorrectorSettings {
-  double safety = 0.5;       // accepted end-state errors, as a fraction of each limit
+  double safety = 0.5;  // accepted end-state errors, as a fraction of each limit
   double max_radians = 0.17453292519943295;  // largest turn of a thrust line
-  double max_scale = 0.01;   // largest relative change of a magnitude
+  double max_scale = 0.01;                   // largest relative change of a magnitude
   int max_iterations = 25;
 };
 
 struct Correction {
   bool polished = false;
-  std::string reason;  // when not polished
+  std::string reason;                  // when not polished
   double before[3] = {0.0, 0.0, 0.0};  // end-state errors: km, km/s, kg
   double after[3] = {0.0, 0.0, 0.0};
   // The new thrust of each changed line: arc-relative index and vector (N).

@@ -32,7 +32,9 @@ struct CliCase {
   const char* out_contains;  // in standard output
 };
 
-void PrintTo(const CliCase& c, std::ostream* os) { *os << c.name; }
+void PrintTo(const CliCase& c, std::ostream* os) {
+  *os << c.name;
+}
 
 class Cli : public ::testing::TestWithParam<CliCase> {};
 
@@ -50,8 +52,8 @@ TEST_P(Cli, StatusAndFiles) {
   EXPECT_EQ(polished.has_value(), c.status != 2);
   EXPECT_EQ(dir.read("p.json").has_value(), c.status != 2);
   if (c.status == 2) return;
-  const RunResult check = run_check(
-      {{"Result.txt", *polished}, {"KAVREN_Asteroids_Data.txt", near_miss().catalogue}});
+  const RunResult check =
+      run_check({{"Result.txt", *polished}, {"KAVREN_Asteroids_Data.txt", near_miss().catalogue}});
   EXPECT_EQ(check.out.rfind("Check successfully!", 0) == 0, c.status == 0) << check.out;
   EXPECT_NE(dir.read("p.json")->find("\"arcs\""), std::string::npos);
 }
@@ -59,26 +61,49 @@ TEST_P(Cli, StatusAndFiles) {
 INSTANTIATE_TEST_SUITE_P(
     Polish, Cli,
     ::testing::Values(
-        CliCase{"Polished", {"--out", "p.txt", "--json", "p.json", "--threads", "2"}, 0, "",
+        CliCase{"Polished",
+                {"--out", "p.txt", "--json", "p.json", "--threads", "2"},
+                0,
+                "",
                 "polished, "},
         CliCase{"TurnTooSmallToPolish",
-                {"Result.txt", "--out", "p.txt", "--json", "p.json", "--max-degrees", "1e-5"}, 1,
-                "", "not polished, a turn of"},
-        CliCase{"NoOut", {"--json", "p.json"}, 2, "kavren-polish: --out is required (see --help)\n",
+                {"Result.txt", "--out", "p.txt", "--json", "p.json", "--max-degrees", "1e-5"},
+                1,
+                "",
+                "not polished, a turn of"},
+        CliCase{"NoOut",
+                {"--json", "p.json"},
+                2,
+                "kavren-polish: --out is required (see --help)\n",
                 ""},
-        CliCase{"OutIsTheSolution", {"--out", "Result.txt", "--json", "p.json"}, 2,
+        CliCase{"OutIsTheSolution",
+                {"--out", "Result.txt", "--json", "p.json"},
+                2,
                 "kavren-polish: --out names the solution Result.txt; it is never overwritten\n",
                 ""},
-        CliCase{"OutIsTheSolutionByAnotherName", {"Result.txt", "--out", "./Result.txt"}, 2,
+        CliCase{"OutIsTheSolutionByAnotherName",
+                {"Result.txt", "--out", "./Result.txt"},
+                2,
                 "kavren-polish: --out names the solution Result.txt; it is never overwritten\n",
                 ""},
-        CliCase{"MissingSolution", {"none.txt", "--out", "p.txt", "--json", "p.json"}, 2,
-                "kavren-polish: cannot read none.txt: No such file or directory\n", ""},
-        CliCase{"MissingCatalogue", {"--catalogue", "c.txt", "--out", "p.txt", "--json", "p.json"},
+        CliCase{"MissingSolution",
+                {"none.txt", "--out", "p.txt", "--json", "p.json"},
+                2,
+                "kavren-polish: cannot read none.txt: No such file or directory\n",
+                ""},
+        CliCase{"MissingCatalogue",
+                {"--catalogue", "c.txt", "--out", "p.txt", "--json", "p.json"},
                 2,
                 "kavren-polish: cannot read the catalogue c.txt: no such file or not readable\n",
                 ""},
-        CliCase{"SafetyOutOfRange", {"--safety", "2", "--out", "p.txt"}, 2,
+        CliCase{"OutInMissingFolder",
+                {"--json", "p.json", "--out", "none/p.txt"},
+                2,
+                "kavren-polish: cannot write none/p.txt: No such file or directory\n",
+                ""},
+        CliCase{"SafetyOutOfRange",
+                {"--safety", "2", "--out", "p.txt"},
+                2,
                 "kavren-polish: --safety: Value 2 not in range 0.000001 to 1.000000 (see --help)\n",
                 ""}),
     [](const ::testing::TestParamInfo<CliCase>& info) { return std::string(info.param.name); });

@@ -3,6 +3,8 @@
 // its input only in the thrust numbers of the failing arcs, keeps every thrust at or below
 // 0.6 N and does not depend on the number of threads; what cannot be polished is refused
 // with its reason and left as it is.
+#include "kavren/polish.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,7 +16,6 @@
 #include <string>
 #include <vector>
 
-#include "kavren/polish.h"
 #include "report/render.h"
 #include "support/e2e.h"
 #include "support/error_case.h"
@@ -41,8 +42,7 @@ double turn_degrees(const std::string& a, const std::string& b) {
   const double c[3] = {u[1] * v[2] - u[2] * v[1], u[2] * v[0] - u[0] * v[2],
                        u[0] * v[1] - u[1] * v[0]};
   const double dot = u[0] * v[0] + u[1] * v[1] + u[2] * v[2];
-  return std::atan2(std::sqrt(c[0] * c[0] + c[1] * c[1] + c[2] * c[2]), dot) *
-         57.295779513082323;
+  return std::atan2(std::sqrt(c[0] * c[0] + c[1] * c[1] + c[2] * c[2]), dot) * 57.295779513082323;
 }
 
 struct NearMissCase {
@@ -52,7 +52,9 @@ struct NearMissCase {
   int threads;
 };
 
-void PrintTo(const NearMissCase& c, std::ostream* os) { *os << c.name; }
+void PrintTo(const NearMissCase& c, std::ostream* os) {
+  *os << c.name;
+}
 
 class NearMisses : public ::testing::TestWithParam<NearMissCase> {};
 
@@ -149,7 +151,9 @@ struct RefusalCase {
   const char* hint;               // kavren-report's word beside the failing arc
 };
 
-void PrintTo(const RefusalCase& c, std::ostream* os) { *os << c.name; }
+void PrintTo(const RefusalCase& c, std::ostream* os) {
+  *os << c.name;
+}
 
 class Refusals : public ::testing::TestWithParam<RefusalCase> {};
 
@@ -208,19 +212,30 @@ TEST_P(Refusals, FindingsThatCannotBePolishedStayWithTheirReason) {
 
 INSTANTIATE_TEST_SUITE_P(
     Polish, Refusals,
-    ::testing::Values(
-        RefusalCase{"CoastOnlyMiss", 3, 0, 6, 0.003, {}, false, "no thrust to vary",
-                    "has no thrust: kavren-polish cannot fix it"},
-        RefusalCase{"MissAtAnEvent", 5, 1, 3, 1100.0, {"Error704", "Error704"}, true,
-                    "an event against its body", "has thrust: kavren-polish can turn it"}),
-    [](const ::testing::TestParamInfo<RefusalCase>& info) {
-      return std::string(info.param.name);
-    });
+    ::testing::Values(RefusalCase{"CoastOnlyMiss",
+                                  3,
+                                  0,
+                                  6,
+                                  0.003,
+                                  {},
+                                  false,
+                                  "no thrust to vary",
+                                  "has no thrust: kavren-polish cannot fix it"},
+                      RefusalCase{"MissAtAnEvent",
+                                  5,
+                                  1,
+                                  3,
+                                  1100.0,
+                                  {"Error704", "Error704"},
+                                  true,
+                                  "an event against its body",
+                                  "has thrust: kavren-polish can turn it"}),
+    [](const ::testing::TestParamInfo<RefusalCase>& info) { return std::string(info.param.name); });
 
 TEST(Polish, OptionsOutOfRangeAreRefused) {
   const Catalogue catalogue = Catalogue::from_text("ID\n");
-  for (const auto& [safety, degrees] : {std::pair{0.0, 10.0}, std::pair{1.5, 10.0},
-                                        std::pair{0.5, 0.0}, std::pair{0.5, 91.0}}) {
+  for (const auto& [safety, degrees] :
+       {std::pair{0.0, 10.0}, std::pair{1.5, 10.0}, std::pair{0.5, 0.0}, std::pair{0.5, 91.0}}) {
     PolishOptions options;
     options.safety = safety;
     options.max_degrees = degrees;

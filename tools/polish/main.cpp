@@ -11,17 +11,19 @@
 // error, nothing written).
 #include <sys/stat.h>
 
+#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iostream>
 #include <new>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
-
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "kavren/polish.h"
 #include "report/report_json.h"
@@ -42,7 +44,8 @@ struct Settings {
 
 std::string read_file(const std::string& name) {
   struct stat info {};
-  if (stat(name.c_str(), &info) != 0) throw Failure("cannot read " + name + ": " + std::strerror(errno));
+  if (stat(name.c_str(), &info) != 0)
+    throw Failure("cannot read " + name + ": " + std::strerror(errno));
   if (S_ISDIR(info.st_mode)) throw Failure("cannot read " + name + ": it is a directory");
   std::ifstream in(name, std::ios::binary);
   if (!in) throw Failure("cannot read " + name + ": " + std::strerror(errno));
@@ -59,33 +62,53 @@ std::string read_file(const std::string& name) {
 // The same file under two names (or the same name).
 bool same_file(const std::string& a, const std::string& b) {
   if (a == b) return true;
-  struct stat x {}, y {};
+  struct stat x {
+  }, y{};
   return stat(a.c_str(), &x) == 0 && stat(b.c_str(), &y) == 0 && x.st_dev == y.st_dev &&
          x.st_ino == y.st_ino;
 }
 
-// Written whole or not at all: to a temporary file beside it, then renamed.
-void write_file(const std::string& path, const std::string& bytes) {
-  if (path == "-") {
-    std::cout << bytes;
-    std::cout.flush();
-    return;
+// Files are written whole or not at all: each to a temporary file beside it, renamed
+// once every file is written.
+struct Staged {
+  std::string temporary, path;
+};
+
+Staged stage(const std::string& path, std::string_view bytes) {
+  Staged staged{path + ".kavren-polish.tmp", path};
+  std::ofstream out(staged.temporary, std::ios::binary | std::ios::trunc);
+  if (!out) throw Failure("cannot write " + path + ": " + std::strerror(errno));
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  out.close();
+  if (!out) {
+    std::remove(staged.temporary.c_str());
+    throw Failure("cannot write " + path + ": write error");
   }
-  const std::string temporary = path + ".kavren-polish.tmp";
-  {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    if (!out) throw Failure("cannot write " + path + ": " + std::strerror(errno));
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (!out) {
-      std::remove(temporary.c_str());
-      throw Failure("cannot write " + path + ": write error");
+  return staged;
+}
+
+void write_files(const std::vector<std::pair<std::string, std::string_view>>& files) {
+  std::vector<Staged> staged;
+  try {
+    for (const auto& [path, bytes] : files) {
+      if (path != "-") staged.push_back(stage(path, bytes));
     }
+    for (std::size_t k = 0; k < staged.size(); ++k) {
+      if (std::rename(staged[k].temporary.c_str(), staged[k].path.c_str()) != 0) {
+        const std::string reason = std::strerror(errno);
+        for (std::size_t j = 0; j < k; ++j) std::remove(staged[j].path.c_str());
+        throw Failure("cannot write " + staged[k].path + ": " + reason);
+      }
+    }
+  } catch (...) {
+    for (const Staged& s : staged) std::remove(s.temporary.c_str());
+    throw;
   }
-  if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-    const std::string reason = std::strerror(errno);
-    std::remove(temporary.c_str());
-    throw Failure("cannot write " + path + ": " + reason);
+  for (const auto& [path, bytes] : files) {
+    if (path == "-") {
+      std::cout << bytes;
+      std::cout.flush();
+    }
   }
 }
 
@@ -114,10 +137,10 @@ std::string arc_line(const kavren::ArcPolish& a) {
   };
   if (!a.polished) return text + "not polished, " + a.reason + "; misses by " + errors(a.before);
   return text + "polished, " + errors(a.before) + " -> " + errors(a.after) + "; " +
-         std::to_string(a.changed_lines) + " lines, turn " +
-         number(a.max_turn_degrees, "%.3g") + " deg, magnitude " +
-         number(a.max_magnitude_change, "%.3g") + " N; " + std::to_string(a.iterations) +
-         " iterations, " + std::to_string(a.integrations) + " integrations";
+         std::to_string(a.changed_lines) + " lines, turn " + number(a.max_turn_degrees, "%.3g") +
+         " deg, magnitude " + number(a.max_magnitude_change, "%.3g") + " N; " +
+         std::to_string(a.iterations) + " iterations, " + std::to_string(a.integrations) +
+         " integrations";
 }
 
 nlohmann::ordered_json to_json(const Settings& s, const kavren::PolishResult& r) {
@@ -128,7 +151,8 @@ nlohmann::ordered_json to_json(const Settings& s, const kavren::PolishResult& r)
   j["safety"] = s.options.safety;
   j["max_degrees"] = s.options.max_degrees;
   const auto triple = [](const double* e) {
-    return nlohmann::ordered_json{{"position_km", e[0]}, {"velocity_km_s", e[1]}, {"mass_kg", e[2]}};
+    return nlohmann::ordered_json{
+        {"position_km", e[0]}, {"velocity_km_s", e[1]}, {"mass_kg", e[2]}};
   };
   j["arcs"] = nlohmann::ordered_json::array();
   for (const kavren::ArcPolish& a : r.arcs) {
@@ -149,7 +173,8 @@ nlohmann::ordered_json to_json(const Settings& s, const kavren::PolishResult& r)
   }
   j["left"] = nlohmann::ordered_json::array();
   for (const kavren::LeftFinding& f : r.left) {
-    j["left"].push_back({{"code", f.code}, {"lines", f.lines}, {"ship", f.ship}, {"reason", f.reason}});
+    j["left"].push_back(
+        {{"code", f.code}, {"lines", f.lines}, {"ship", f.ship}, {"reason", f.reason}});
   }
   j["report"] = nlohmann::ordered_json::parse(kavren::report_to_json(r.report));
   return j;
@@ -180,8 +205,10 @@ int run(const Settings& s) {
   }
   std::string json;
   if (!s.json.empty()) json = to_json(s, r).dump(2) + "\n";
-  write_file(s.out, r.text);
-  if (!s.json.empty()) write_file(s.json, json);
+  std::vector<std::pair<std::string, std::string_view>> files;
+  files.emplace_back(s.out, r.text);
+  if (!s.json.empty()) files.emplace_back(s.json, json);
+  write_files(files);
   if (s.out == "-") return r.report.accepted ? 0 : 1;  // standard output holds the file
   for (const kavren::ArcPolish& a : r.arcs) std::cout << arc_line(a) << "\n";
   for (const kavren::LeftFinding& f : r.left) {
@@ -196,18 +223,21 @@ int run(const Settings& s) {
 
 int main(int argc, char** argv) {
   Settings settings;
-  CLI::App app{"kavren-polish: turns the thrust of burning arcs that miss their end state "
-               "so that the verifier's integration lands on it, and writes the polished "
-               "solution"};
+  CLI::App app{
+      "kavren-polish: turns the thrust of burning arcs that miss their end state "
+      "so that the verifier's integration lands on it, and writes the polished "
+      "solution"};
   app.set_version_flag("--version", std::string("kavren-polish ") + kavren::version());
   app.add_option("SOLUTION", settings.solution, "The solution file")->capture_default_str();
   app.add_option("--catalogue", settings.catalogue, "The asteroid catalogue")
       ->capture_default_str();
-  app.add_option("--out", settings.out, "Where the polished solution is written (- : standard "
-                                        "output); never the solution itself")
+  app.add_option("--out", settings.out,
+                 "Where the polished solution is written (- : standard "
+                 "output); never the solution itself")
       ->required();
-  app.add_option("--json", settings.json, "The arcs, the findings left and the polished "
-                                          "file's report as JSON (- : standard output)");
+  app.add_option("--json", settings.json,
+                 "The arcs, the findings left and the polished "
+                 "file's report as JSON (- : standard output)");
   app.add_option("--safety", settings.options.safety,
                  "Largest end-state error of a polished arc, as a fraction of each limit")
       ->check(CLI::Range(1e-6, 1.0))

@@ -16,7 +16,9 @@ namespace {
 
 constexpr double kMinThrust = 0.05;  // N: an arc thrusting less is not turned
 
-double norm3(const double* v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); }
+double norm3(const double* v) {
+  return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+}
 
 struct Turn {
   double axis[3];
@@ -36,7 +38,8 @@ std::vector<ThrustLine> thrust_lines(const BurningArc& arc) {
   }
   if (lines.empty()) return lines;
   const double t0 = arc.values[lines.front().index], t1 = arc.values[lines.back().index];
-  for (ThrustLine& l : lines) l.tau = t1 > t0 ? 2.0 * (arc.values[l.index] - t0) / (t1 - t0) - 1.0 : 0.0;
+  for (ThrustLine& l : lines)
+    l.tau = t1 > t0 ? 2.0 * (arc.values[l.index] - t0) / (t1 - t0) - 1.0 : 0.0;
   return lines;
 }
 
@@ -52,7 +55,8 @@ BurningArc turned_arc(const BurningArc& arc, const std::vector<ThrustLine>& line
                            k[0] * v[1] - k[1] * v[0]};
     const double kdv = k[0] * v[0] + k[1] * v[1] + k[2] * v[2];
     double u[3];
-    for (int j = 0; j < 3; ++j) u[j] = (v[j] * c + kxv[j] * s + k[j] * kdv * (1.0 - c)) * (1.0 + t.scale);
+    for (int j = 0; j < 3; ++j)
+      u[j] = (v[j] * c + kxv[j] * s + k[j] * kdv * (1.0 - c)) * (1.0 + t.scale);
     const double m = norm3(u);
     if (m > kavren::kThrustCap) {
       for (double& x : u) x *= kavren::kThrustCap / m * (1.0 - 1e-15);
@@ -91,7 +95,8 @@ std::string near_miss(const std::string& result, std::uint64_t seed, int count,
     std::vector<const BurningArc*> arcs;
     for (const BurningArc& arc : ship.burning_arcs) {
       double strongest = 0.0;
-      for (const std::vector<double>& u : arc.lines) strongest = std::max(strongest, norm3(u.data()));
+      for (const std::vector<double>& u : arc.lines)
+        strongest = std::max(strongest, norm3(u.data()));
       if (strongest >= kMinThrust) arcs.push_back(&arc);
     }
     if (!arcs.empty()) candidates.push_back(arcs);
@@ -116,7 +121,8 @@ std::string near_miss(const std::string& result, std::uint64_t seed, int count,
     const double* first = arc.lines[lines.front().index].data();
     const double fn = norm3(first);
     const double d[3] = {first[0] / fn, first[1] / fn, first[2] / fn};
-    const double pick[3] = {std::abs(d[0]) < 0.6 ? 1.0 : 0.0, std::abs(d[0]) < 0.6 ? 0.0 : 1.0, 0.0};
+    const double pick[3] = {std::abs(d[0]) < 0.6 ? 1.0 : 0.0, std::abs(d[0]) < 0.6 ? 0.0 : 1.0,
+                            0.0};
     double e1[3] = {d[1] * pick[2] - d[2] * pick[1], d[2] * pick[0] - d[0] * pick[2],
                     d[0] * pick[1] - d[1] * pick[0]};
     const double e1n = norm3(e1);

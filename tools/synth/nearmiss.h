@@ -13,11 +13,11 @@ namespace synth {
 
 struct PlantedMiss {
   int ship = 0;
-  long long end_line = 0;     // 1-based line of the end state the arc now misses
-  double degrees = 0.0;       // turn at the middle of the arc's thrust
-  double drift_degrees = 0.0; // change of the turn from the middle to either end
-  double scale = 0.0;         // relative magnitude change (0: none)
-  double miss_km = 0.0;       // the position miss the verifier finds
+  long long end_line = 0;      // 1-based line of the end state the arc now misses
+  double degrees = 0.0;        // turn at the middle of the arc's thrust
+  double drift_degrees = 0.0;  // change of the turn from the middle to either end
+  double scale = 0.0;          // relative magnitude change (0: none)
+  double miss_km = 0.0;        // the position miss the verifier finds
 };
 
 // Turns `count` arcs (1..3) of the solution; throws when it has fewer thrusting ships or
