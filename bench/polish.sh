@@ -6,7 +6,7 @@
 #     verdict of the valid solution the miss was made from. Refused arcs are listed.
 #  2. Time: the 100-ship bench with three arcs off (kavren-synth nearmiss --ships 100
 #     --arcs 3), `bench_cases` cases, each polished `repetitions` times by the whole
-#     program with its default workers; the median wall time per case.
+#     program with its default workers; the median wall and CPU time per case (GNU time).
 #   bench/polish.sh [build folder, default build/release] [cases, default 100]
 #                   [bench_cases, default 3] [repetitions, default 5]
 set -euo pipefail
@@ -55,16 +55,21 @@ for ((seed = 1; seed <= bench_cases; ++seed)); do
   d="$work/bench$seed"
   "$synth" nearmiss "$d" --ships 100 --arcs 3 --seed "$seed" >/dev/null
   times=()
+  cpu=()
   for ((k = 0; k < repetitions; ++k)); do
-    start=$(date +%s.%N)
-    (cd "$d" && "$polish" --out polished.txt >polish.txt) || true
-    end=$(date +%s.%N)
-    times+=("$(echo "$end - $start" | bc)")
+    (cd "$d" && /usr/bin/time -f "%e %U %S" -o "$work/time" "$polish" --out polished.txt \
+      >polish.txt) || true
+    read -r wall user system <"$work/time"
+    times+=("$wall")
+    cpu+=("$(echo "$user + $system" | bc)")
   done
   median=$(printf '%s\n' "${times[@]}" | sort -g |
     awk '{v[NR] = $1} END {print v[int((NR + 1) / 2)]}')
+  median_cpu=$(printf '%s\n' "${cpu[@]}" | sort -g |
+    awk '{v[NR] = $1} END {print v[int((NR + 1) / 2)]}')
   verdict=$(sed -n '/^Verdict of/{n;p;q}' "$d/polish.txt")
-  echo "100-ship bench, three arcs off, case $seed: median $median s of $repetitions ($verdict)"
+  echo "100-ship bench, three arcs off, case $seed: median $median s wall, $median_cpu s CPU" \
+    "of $repetitions runs ($verdict)"
 done
 if [ "$bench_cases" -gt 0 ]; then
   echo "example output (case $bench_cases):"
