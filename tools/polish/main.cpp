@@ -209,7 +209,8 @@ int run(const Settings& s) {
   files.emplace_back(s.out, r.text);
   if (!s.json.empty()) files.emplace_back(s.json, json);
   write_files(files);
-  if (s.out == "-") return r.report.accepted ? 0 : 1;  // standard output holds the file
+  // Standard output holding the file or the JSON holds nothing else.
+  if (s.out == "-" || s.json == "-") return r.report.accepted ? 0 : 1;
   for (const kavren::ArcPolish& a : r.arcs) std::cout << arc_line(a) << "\n";
   for (const kavren::LeftFinding& f : r.left) {
     std::cout << f.code << " on line " << lines_text(f.lines) << " (ship " << f.ship
