@@ -13,7 +13,7 @@
 namespace kavren {
 namespace {
 
-constexpr int kMaxParams = 8;
+constexpr int kMaxParams = 9;
 constexpr int kResiduals = 7;
 constexpr double kStep = 1e-4;         // finite-difference step: rad, or relative magnitude
 constexpr double kMaxTurnStep = 0.05;  // rad one Newton step may turn a line at most
@@ -61,7 +61,8 @@ double largest_turn(const double* p) {
 
 // The largest relative magnitude change the parameters give any line.
 double largest_scale(const double* p, int n) {
-  return (n > 6 ? std::abs(p[6]) : 0.0) + (n > 7 ? std::abs(p[7]) : 0.0);
+  return (n > 6 ? std::abs(p[6]) : 0.0) + (n > 7 ? std::abs(p[7]) : 0.0) +
+         (n > 8 ? std::abs(p[8]) : 0.0);
 }
 
 class ArcModel {
@@ -78,7 +79,8 @@ class ArcModel {
     double w[3];
     rotation_at(p, line.tau, w);
     rotate(w, line.u, u);
-    const double scale = 1.0 + (n > 6 ? p[6] : 0.0) + (n > 7 ? p[7] * line.tau : 0.0);
+    const double scale = 1.0 + (n > 6 ? p[6] : 0.0) + (n > 7 ? p[7] * line.tau : 0.0) +
+                         (n > 8 ? p[8] * line.tau * line.tau : 0.0);
     for (int k = 0; k < 3; ++k) u[k] *= scale;
     double magnitude = norm3(u);
     if (!(magnitude > kThrustCap)) return;
@@ -271,9 +273,8 @@ Correction correct_arc(const BurningArc& arc, const CorrectorSettings& settings)
   Findings layout(false, Rule::thrust_magnitude, Rule::arc_mass);
   ArcPhases phases;
   const bool laid_out = walk_thrust_table(arc, phases, layout, arc.ship_number);
-  if (!laid_out || layout.any()) {
-    out.reason = "its lines break a rule of thrust tables (" +
-                 (layout.any() ? layout.findings().front().code : std::string("layout")) + ")";
+  if (!laid_out) {
+    out.reason = "its lines are not laid out as thrust phases";
     return out;
   }
   std::vector<Line> lines;
@@ -292,33 +293,42 @@ Correction correct_arc(const BurningArc& arc, const CorrectorSettings& settings)
       lines.push_back(line);
     }
   }
-  if (!thrusts) {
-    out.reason = "the arc has no thrust to vary (a coast)";
-    return out;
-  }
-  const double t0 = table.epoch(static_cast<std::size_t>(lines.front().index));
-  const double t1 = table.epoch(static_cast<std::size_t>(lines.back().index));
-  const double half = (t1 - t0) / 2.0;
-  for (Line& line : lines) {
-    const double t = table.epoch(static_cast<std::size_t>(line.index));
-    line.tau = half > 0.0 ? std::clamp((t - t0) / half - 1.0, -1.0, 1.0) : 0.0;
+  if (!lines.empty()) {
+    const double t0 = table.epoch(static_cast<std::size_t>(lines.front().index));
+    const double t1 = table.epoch(static_cast<std::size_t>(lines.back().index));
+    const double half = (t1 - t0) / 2.0;
+    for (Line& line : lines) {
+      const double t = table.epoch(static_cast<std::size_t>(line.index));
+      line.tau = half > 0.0 ? std::clamp((t - t0) / half - 1.0, -1.0, 1.0) : 0.0;
+    }
   }
 
   ArcModel model(arc, phases, std::move(lines));
   const double zero[kMaxParams] = {};
   double r0[kResiduals];
-  if (!model.residual(zero, 6, r0)) {
-    out.reason = "its integration passes closer than 0.3 AU to the Sun";
-    out.integrations = model.integrations();
+  const bool integrated = model.residual(zero, 6, r0);
+  out.integrations = model.integrations();
+  if (integrated) {
+    errors_of(r0, out.before);
+    std::copy(out.before, out.before + 3, out.after);
+  }
+  if (layout.any()) {
+    out.reason = "its lines break a rule of thrust tables (" + layout.findings().front().code + ")";
     return out;
   }
-  errors_of(r0, out.before);
-  std::copy(out.before, out.before + 3, out.after);
+  if (!thrusts) {
+    out.reason = "the arc has no thrust to vary (a coast)";
+    return out;
+  }
+  if (!integrated) {
+    out.reason = "its integration passes closer than 0.3 AU to the Sun";
+    return out;
+  }
 
   const double aim = 0.1 * settings.safety;
   // Turning keeps the mass flow, so the thrust is turned first; the magnitude is varied
-  // (one common factor, then one that changes linearly along the arc) only when the mass
-  // is off or turning alone does not reach the end state.
+  // (one common factor, then one that changes linearly, then quadratically along the arc)
+  // only when the mass is off or turning alone does not reach the end state.
   const bool mass_off = std::abs(r0[6]) > 0.5 * settings.safety;
   const auto acceptable = [&](const Solve& s, int n) {
     return s.reached && within(s.r, settings.safety, settings.safety) &&

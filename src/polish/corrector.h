@@ -1,15 +1,17 @@
 // The differential corrector of one burning arc. The thrust of every thrust line is
 // turned by a rotation vector that varies linearly along the arc (six parameters) and,
 // when the end mass is off or turning alone cannot reach the end state, scaled by a
-// factor that is common (a seventh) or varies linearly along the arc (an eighth); the
-// parameters are solved by Levenberg-Marquardt on the end-state error of the verifier's
-// own integration of the arc, with a Jacobian by finite differences of that integration.
+// factor that is common (a seventh), linear (an eighth) or quadratic (a ninth) along the
+// arc; the parameters are solved by Levenberg-Marquardt on the end-state error of the
+// verifier's own integration of the arc, with a Jacobian by finite differences of that
+// integration.
 #pragma once
 
 #include <array>
 #include <string>
 #include <vector>
 
+#include "kavren/report.h"
 #include "records/records.h"
 
 namespace kavren {
@@ -23,9 +25,10 @@ struct CorrectorSettings {
 
 struct Correction {
   bool polished = false;
-  std::string reason;                  // when not polished
-  double before[3] = {0.0, 0.0, 0.0};  // end-state errors: km, km/s, kg
-  double after[3] = {0.0, 0.0, 0.0};
+  std::string reason;  // when not polished
+  // End-state errors: km, km/s, kg (NaN when the arc cannot be integrated).
+  double before[3] = {kNotANumber, kNotANumber, kNotANumber};
+  double after[3] = {kNotANumber, kNotANumber, kNotANumber};
   // The new thrust of each changed line: arc-relative index and vector (N).
   std::vector<int> changed;
   std::vector<std::array<double, 3>> thrust;
