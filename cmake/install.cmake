@@ -36,7 +36,7 @@ endif()
 
 # --- Programs, library, headers ----------------------------------------------------
 set(_kavren_programs kavren-check)
-foreach(program kavren-report kavren-synth)
+foreach(program kavren-report kavren-polish kavren-synth)
   if(TARGET ${program})
     list(APPEND _kavren_programs ${program})
   endif()

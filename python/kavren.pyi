@@ -280,3 +280,97 @@ def verify(
 
     Raises MemoryError (with the reason) when memory cannot be had, and OSError when a
     path cannot be read. The interpreter lock is released while it runs."""
+
+class ArcPolish:
+    """One arc whose end state failed (Error201, Error202, Error203)."""
+
+    @property
+    def ship(self) -> int:
+        """1-based ordinal of the ship."""
+    @property
+    def first_line(self) -> int:
+        """The arc's first line, 1-based; 0 when it has none."""
+    @property
+    def last_line(self) -> int:
+        """The arc's last line, 1-based; 0 when it has none."""
+    @property
+    def end_line(self) -> int:
+        """The line of the end state, the findings' line."""
+    @property
+    def codes(self) -> list[str]:
+        """What was found there: "Error201" ..."""
+    @property
+    def polished(self) -> bool:
+        """True when its thrust was changed and the polished file verified."""
+    @property
+    def reason(self) -> str:
+        """Why not, when not polished."""
+    @property
+    def before(self) -> tuple[float, float, float]:
+        """End-state errors before: position km, velocity km/s, mass kg."""
+    @property
+    def after(self) -> tuple[float, float, float]:
+        """End-state errors after (as before when not polished)."""
+    @property
+    def max_turn_degrees(self) -> float:
+        """Largest change of direction of a thrust line."""
+    @property
+    def max_magnitude_change(self) -> float:
+        """Largest change of a thrust magnitude, N."""
+    @property
+    def changed_lines(self) -> int:
+        """Thrust lines changed."""
+    @property
+    def iterations(self) -> int:
+        """Newton iterations."""
+    @property
+    def integrations(self) -> int:
+        """Integrations of the arc."""
+
+class LeftFinding:
+    """A finding polishing leaves as it is, and why."""
+
+    @property
+    def code(self) -> str:
+        """The message code."""
+    @property
+    def lines(self) -> list[int]:
+        """1-based lines it concerns."""
+    @property
+    def ship(self) -> int:
+        """1-based ordinal of the ship, 0 when none."""
+    @property
+    def reason(self) -> str:
+        """Why polishing leaves it."""
+
+class PolishResult:
+    """A polished solution."""
+
+    @property
+    def text(self) -> str:
+        """The polished solution's text."""
+    @property
+    def arcs(self) -> list[ArcPolish]:
+        """One entry per failing arc, in file order."""
+    @property
+    def left(self) -> list[LeftFinding]:
+        """The other findings, left as they are."""
+    @property
+    def report(self) -> Report:
+        """The polished text verified, every finding (mode "all")."""
+
+def polish(
+    solution: Union[str, bytes, bytearray, os.PathLike[str]],
+    catalogue: Catalogue,
+    safety: float = 0.5,
+    max_degrees: float = 10.0,
+    threads: Optional[int] = None,
+) -> PolishResult:
+    """Changes the thrust numbers of every burning arc whose end state misses so that the
+    verifier's integration lands on it; only those numbers change.
+
+    safety: the polished arcs' end-state errors stay within this fraction of each limit.
+    max_degrees: the largest turn of a thrust line.
+    threads: workers (None: one per core); the result does not depend on it.
+    """
+    ...

@@ -20,6 +20,7 @@
 #include <system_error>
 #include <utility>
 
+#include "kavren/polish.h"
 #include "kavren/report.h"
 #include "kavren/verify.h"
 #include "kavren/json.h"
@@ -250,6 +251,32 @@ py::list trajectory_arrays(const py::object& self) {
 
 py::tuple xyz(const double (&r)[3]) { return py::make_tuple(r[0], r[1], r[2]); }
 
+kavren::PolishResult run_polish(const py::object& solution, const kavren::Catalogue& catalogue,
+                                double safety, double max_degrees,
+                                const std::optional<int>& threads) {
+  kavren::PolishOptions options;
+  if (!(safety > 0.0 && safety <= 1.0)) throw py::value_error("safety must lie in (0, 1]");
+  if (!(max_degrees > 0.0 && max_degrees <= 90.0)) {
+    throw py::value_error("max_degrees must lie in (0, 90]");
+  }
+  options.safety = safety;
+  options.max_degrees = max_degrees;
+  if (threads) {
+    if (*threads < 1) throw py::value_error("threads must be at least 1, or None for all cores");
+    options.threads = *threads;
+  }
+  const SolutionText text = solution_text(solution);
+  kavren::PolishResult result;
+  try {
+    py::gil_scoped_release release;
+    result = kavren::polish(catalogue, text.view, options);
+  } catch (const std::bad_alloc&) {
+    PyErr_SetString(PyExc_MemoryError, "out of memory while polishing the solution");
+    throw py::error_already_set();
+  }
+  return result;
+}
+
 }  // namespace
 
 PYBIND11_MODULE(kavren, m) {
@@ -433,6 +460,62 @@ PYBIND11_MODULE(kavren, m) {
           "The report as the JSON object kavren-report writes (statistics and trajectories\n"
           "left out; numbers that are not finite are None).")
       .def("__repr__", &report_repr);
+
+  py::class_<kavren::ArcPolish>(m, "ArcPolish", "One arc whose end state failed.")
+      .def_readonly("ship", &kavren::ArcPolish::ship)
+      .def_readonly("first_line", &kavren::ArcPolish::first_line,
+                    "The arc's first line (1-based; 0 when it has none).")
+      .def_readonly("last_line", &kavren::ArcPolish::last_line)
+      .def_readonly("end_line", &kavren::ArcPolish::end_line,
+                    "The line of the end state (the findings' line).")
+      .def_readonly("codes", &kavren::ArcPolish::codes, "What was found there: \"Error201\" ...")
+      .def_readonly("polished", &kavren::ArcPolish::polished)
+      .def_readonly("reason", &kavren::ArcPolish::reason, "Why not, when not polished.")
+      .def_property_readonly(
+          "before", [](const kavren::ArcPolish& a) { return xyz(a.before); },
+          "End-state errors before: position km, velocity km/s, mass kg.")
+      .def_property_readonly(
+          "after", [](const kavren::ArcPolish& a) { return xyz(a.after); },
+          "End-state errors after (as before when not polished).")
+      .def_readonly("max_turn_degrees", &kavren::ArcPolish::max_turn_degrees)
+      .def_readonly("max_magnitude_change", &kavren::ArcPolish::max_magnitude_change,
+                    "Largest change of a thrust magnitude, N.")
+      .def_readonly("changed_lines", &kavren::ArcPolish::changed_lines)
+      .def_readonly("iterations", &kavren::ArcPolish::iterations)
+      .def_readonly("integrations", &kavren::ArcPolish::integrations)
+      .def("__repr__", [](const kavren::ArcPolish& a) {
+        return "<ArcPolish ship " + std::to_string(a.ship) + " line " +
+               std::to_string(a.end_line) + (a.polished ? " polished>" : " not polished>");
+      });
+  py::class_<kavren::LeftFinding>(m, "LeftFinding", "A finding polishing leaves as it is.")
+      .def_readonly("code", &kavren::LeftFinding::code)
+      .def_readonly("lines", &kavren::LeftFinding::lines)
+      .def_readonly("ship", &kavren::LeftFinding::ship)
+      .def_readonly("reason", &kavren::LeftFinding::reason);
+  py::class_<kavren::PolishResult>(m, "PolishResult", "A polished solution.")
+      .def_property_readonly(
+          "text",
+          [](const kavren::PolishResult& r) {
+            return py::reinterpret_steal<py::str>(PyUnicode_DecodeUTF8(
+                r.text.data(), static_cast<Py_ssize_t>(r.text.size()), "surrogateescape"));
+          },
+          "The polished solution's text.")
+      .def_readonly("arcs", &kavren::PolishResult::arcs, "One entry per failing arc.")
+      .def_readonly("left", &kavren::PolishResult::left, "The other findings, left as they are.")
+      .def_readonly("report", &kavren::PolishResult::report,
+                    "The polished text verified, every finding (mode \"all\").");
+
+  m.def("polish", &run_polish, py::arg("solution"), py::arg("catalogue"),
+        py::arg("safety") = 0.5, py::arg("max_degrees") = 10.0, py::arg("threads") = py::none(),
+        "Changes the thrust numbers of every burning arc whose end state misses (Error201,\n"
+        "Error202, Error203) so that the verifier's integration lands on it, and returns a\n"
+        "PolishResult: the polished text, one entry per failing arc and the report of the\n"
+        "polished text.\n\n"
+        "solution: the text (str or bytes) or a path (os.PathLike).\n"
+        "safety: the polished arc's end-state errors stay within this fraction of each limit.\n"
+        "max_degrees: the largest turn of a thrust line.\n"
+        "threads: workers (None: one per core); the result does not depend on it.\n"
+        "The interpreter lock is released while it runs.");
 
   m.def("verify", &run_verify, py::arg("solution"), py::arg("catalogue"),
         py::arg("mode") = "first", py::arg("threads") = py::none(),

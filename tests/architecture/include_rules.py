@@ -33,13 +33,20 @@ for line in open(os.path.join(root, "ARCHITECTURE.md"), encoding="utf-8"):
 # Each scanned folder: (its name in the table, its path, the prefix its includes carry).
 # Headers of src/, include/ and tools/ are included as "folder/file.h"; a file of python/,
 # bench/ or fuzz/ includes its own folder's headers by their bare names.
+# A folder of tools/ is named "tools/<name>" in the table; its headers are included as
+# "<name>/file.h", like those of src/ (no two folders have headers under one name).
 folders = []
 for base in ("src", "include", "tools"):
     for name in sorted(os.listdir(os.path.join(root, base))):
         if os.path.isdir(os.path.join(root, base, name)):
-            folders.append((name, os.path.join(root, base, name)))
+            folders.append((name if base != "tools" else "tools/" + name,
+                            os.path.join(root, base, name)))
 for name in ("python", "bench", "fuzz"):
     folders.append((name, os.path.join(root, name)))
+header_names = {}  # include prefix -> table name
+for name, path in folders:
+    if any(f.endswith(".h") for _, _, fs in os.walk(path) for f in fs):
+        header_names[os.path.basename(path)] = name
 
 include = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 # Writing to the standard streams: std::cout, std::cerr, std::clog, printf, puts, stdout...
@@ -55,10 +62,10 @@ for name, path in folders:
             if not file_name.endswith((".h", ".cpp")):
                 continue
             full = os.path.join(here, file_name)
-            key = name + "/" + os.path.relpath(full, path)
+            key = os.path.basename(path) + "/" + os.path.relpath(full, path)
             text = open(full, encoding="utf-8").read()
             targets = [m.group(1) for m in map(include.match, text.splitlines()) if m]
-            targets = [t if "/" in t else name + "/" + t for t in targets]
+            targets = [t if "/" in t else os.path.basename(path) + "/" + t for t in targets]
             files[key] = (name, targets)
             if name not in prints and key not in prints:
                 code = re.sub(r"//[^\n]*|\"(\\.|[^\"\\])*\"", "", text)
@@ -70,7 +77,7 @@ for key, (here, targets) in sorted(files.items()):
         errors.append(f"{key}: folder '{here}' is not in the table")
         continue
     for target in targets:
-        there = target.split("/")[0]
+        there = header_names.get(target.split("/")[0], target.split("/")[0])
         if there != here and there not in allowed[here]:
             errors.append(f"{key}: includes {target}, but {here} may not include {there}")
 

@@ -13,10 +13,12 @@ trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
-for program in kavren-check kavren-synth; do
+for program in kavren-check kavren-polish kavren-synth; do
   [ -x "$prefix/bin/$program" ] || { echo "missing $prefix/bin/$program"; exit 1; }
 done
-[ -f "$prefix/include/kavren/verify.h" ] || { echo "missing the public headers"; exit 1; }
+for header in verify.h report.h polish.h; do
+  [ -f "$prefix/include/kavren/$header" ] || { echo "missing the public header $header"; exit 1; }
+done
 if [ -n "$(find "$prefix/include" -name '*.h' ! -path '*/include/kavren/*')" ]; then
   echo "headers outside include/kavren"; exit 1
 fi

@@ -11,6 +11,7 @@
 #include "kavren/bodies.h"
 #include "kavren/limits.h"
 #include "kavren/verify.h"
+#include "report/polish_hint.h"
 #include "report/render.h"
 
 namespace kavren::report {
@@ -509,6 +510,7 @@ std::string ship_plots(const Report& r, const ShipSummary& s,
 std::string findings_table(const Checked& c, const std::vector<std::string_view>& lines) {
   const Report& r = c.report;
   if (r.findings.empty()) return "<p class=\"none\">No rule is violated.</p>";
+  const std::vector<PolishHint> hints = polish_hints(r, c.text);
   std::string html =
       "<table class=\"findings\"><thead><tr><th>code</th><th>lines</th><th>ship</th>"
       "<th>quantity</th><th>value</th><th>limit</th><th>margin</th></tr></thead><tbody>";
@@ -522,6 +524,12 @@ std::string findings_table(const Checked& c, const std::vector<std::string_view>
             number_cell(f.margin, f.unit) + "</tr>";
     html += "<tr class=\"detail\"><td></td><td colspan=\"6\"><div class=\"message\">" +
             escape(f.message) + "</div>";
+    for (const PolishHint& hint : hints) {
+      if (hint.ship == f.ship && !f.lines.empty() && hint.line == f.lines.front() &&
+          (f.code == "Error201" || f.code == "Error202" || f.code == "Error203")) {
+        html += "<div class=\"note\">" + escape(polish_sentence(hint)) + "</div>";
+      }
+    }
     if (!f.lines.empty()) {
       html += "<pre class=\"quoted\">";
       for (std::size_t q = 0; q < f.lines.size() && q < kMaxLinesQuoted; ++q) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <sstream>
 
+#include "report/polish_hint.h"
 #include "report/render.h"
 
 namespace kavren::report {
@@ -201,6 +202,9 @@ std::string render_text(const Checked& checked, const TextStyle& style) {
     out += paint(kYellow, "Verification incomplete: " + r.error) + "\n";
   }
   findings_section(out, r, paint);
+  for (const PolishHint& hint : polish_hints(r, checked.text)) {
+    out += paint(kDim, "  " + polish_sentence(hint)) + "\n";
+  }
   constraints_section(out, r, paint);
   warnings_section(out, r, paint);
   summary_section(out, r, paint);

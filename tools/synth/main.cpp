@@ -6,6 +6,11 @@
 //     (numbers at full precision unless --short-numbers)
 //     (also Result-late-arrivals.txt: the same solution with every event that ends a
 //     burning arc with lines at MJD 99999)
+//   kavren-synth nearmiss <dir> [--ships N] [--seed N] [--arcs K]
+//     (the bench's resonant pairs, up to five of them ending with a thrusting leg, as
+//     Result-valid.txt; Result.txt the same with the thrust of K arcs (1 to 3, default
+//     1 + seed % 3) in different ships turned so that each misses its end state by 1 to
+//     20 times the position limit; misses.txt lists them)
 //   kavren-synth selfcheck   (checks of its own numerics; status 1 on a failure)
 #include <sys/stat.h>
 
@@ -19,6 +24,7 @@
 
 #include "synth/builder.h"
 #include "synth/catalogue.h"
+#include "synth/nearmiss.h"
 #include "synth/scenarios.h"
 #include "synth/selfcheck.h"
 #include "synth/text.h"
@@ -82,7 +88,8 @@ int main(int argc, char** argv) {
     return synth::self_check(std::cout) ? 0 : 1;
   }
   if (argc < 3) {
-    std::cerr << "usage: kavren-synth demo|suite|bench <dir> [--seed N] [--ships N] [--short-numbers]\n"
+    std::cerr << "usage: kavren-synth demo|suite|bench|nearmiss <dir> [--seed N] [--ships N] "
+                 "[--short-numbers] [--arcs K]\n"
               << "       kavren-synth selfcheck\n";
     return 2;
   }
@@ -107,6 +114,26 @@ int main(int argc, char** argv) {
       const std::string result = write_scenario(
           dir, seed, [&](synth::Builder& b) { return synth::build_bench(b, ships, seed, full); });
       write_file(dir + "/Result-late-arrivals.txt", synth::late_arrivals(result));
+    } else if (command == "nearmiss") {
+      const int ships = static_cast<int>(option(argc, argv, "--ships", 10));
+      if (ships < 2 || ships > 100 || ships % 2 != 0) {
+        throw std::runtime_error("--ships must be an even number from 2 to 100");
+      }
+      const int arcs = static_cast<int>(option(argc, argv, "--arcs", 1 + static_cast<long>(seed % 3)));
+      const std::string valid = write_scenario(dir, seed, [&](synth::Builder& b) {
+        return synth::build_bench(b, ships, seed, true, 5);
+      });
+      std::vector<synth::PlantedMiss> planted;
+      const std::string missed = synth::near_miss(valid, seed, arcs, planted);
+      write_file(dir + "/Result-valid.txt", valid);
+      write_file(dir + "/Result.txt", missed);
+      std::string list = "ship\tend_line\tdegrees\tdrift_degrees\tscale\tmiss_km\n";
+      for (const synth::PlantedMiss& m : planted) {
+        list += std::to_string(m.ship) + "\t" + std::to_string(m.end_line) + "\t" +
+                synth::fmt(m.degrees) + "\t" + synth::fmt(m.drift_degrees) + "\t" +
+                synth::fmt(m.scale) + "\t" + synth::fmt(m.miss_km) + "\n";
+      }
+      write_file(dir + "/misses.txt", list);
     } else {
       std::cerr << "unknown command " << command << "\n";
       return 2;

@@ -87,6 +87,10 @@ struct PairPlan {
   // where `returns` more turning flybys follow.
   double final_turn = 0.0;
   int returns = 0;
+  // After its last event the first ship of the pair flies a leg that really thrusts (this
+  // many newtons along its velocity, then the engine's limit against it) and leaves one
+  // more miner at an asteroid planted where the leg ends (0: no such leg).
+  double tail_thrust = 0.0;
 };
 
 double norm3(const double* v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); }
@@ -187,6 +191,26 @@ std::vector<Phase> idle_phases_of(const PairPlan& plan, double from, double to) 
   return phases;
 }
 
+// A leg from `from` of two thrust phases, `magnitude` newtons along the velocity, then the
+// engine's limit outwards from the Sun (last step half a day), ending in a deploy at a new
+// asteroid.
+void thrust_tail(Builder& b, double from, double magnitude) {
+  const double* r = b.reached_rv();
+  const double* v = r + 3;
+  const double vn = norm3(v), rn = norm3(r);
+  Phase p1;
+  p1.start = from + 2.25;
+  p1.lines = 20;
+  for (int k = 0; k < 3; ++k) p1.u[k] = magnitude * v[k] / vn;
+  Phase p2;
+  p2.start = p1.start + p1.lines + 3.0;
+  p2.lines = 8;
+  p2.last_step = 0.5;
+  for (int k = 0; k < 3; ++k) p2.u[k] = 0.6 * r[k] / rn;
+  b.arc_to(p2.start + p2.lines + 10.0, {p1, p2});
+  b.deploy();
+}
+
 void build_pair(Builder& b, const PairPlan& plan) {
   const double T = earth_period_days();
   double vinf[3];
@@ -245,6 +269,7 @@ void build_pair(Builder& b, const PairPlan& plan) {
       b.flyby(-3, vout);
       previous = epoch;
     }
+    if (plan.tail_thrust > 0.0 && s == 0) thrust_tail(b, previous, plan.tail_thrust);
   }
 }
 
@@ -393,9 +418,12 @@ Scenario build_suite_case(Builder& b, int index) {
   }
 }
 
-Scenario build_bench(Builder& b, int ships, std::uint64_t seed, bool full_precision) {
+Scenario build_bench(Builder& b, int ships, std::uint64_t seed, bool full_precision,
+                     int tails) {
   Rng rng(seed);
   Rng thrust_rng(seed + 1);
+  Rng tail_rng(seed + 2);
+  const int pairs = ships / 2;
   for (int pair = 0; 2 * pair < ships; ++pair) {
     PairPlan plan;
     plan.t0 = 64330.0 + 3.0 * pair;
@@ -413,7 +441,18 @@ Scenario build_bench(Builder& b, int ships, std::uint64_t seed, bool full_precis
       plan.idle_thrust = 1e-8;
       plan.idle_rng = &thrust_rng;
     }
+    // Thrusting tails spread over the pairs; each such pair deploys one miner less, the
+    // tail's deploy being its first ship's twentieth.
+    if (tails > 0 && pair * std::min(tails, pairs) % pairs < std::min(tails, pairs)) {
+      plan.deploys = 19;
+      plan.tail_thrust = tail_rng.uniform(0.2, 0.5);
+    }
     build_pair(b, plan);
+  }
+  if (tails > 0) {
+    return {"bench-tails", std::to_string(ships) + " resonant ships with packed thrust tables, " +
+                               std::to_string(std::min(tails, pairs)) +
+                               " of them ending with a thrusting leg"};
   }
   return {"bench", std::to_string(ships) + " resonant ships with packed thrust tables"};
 }

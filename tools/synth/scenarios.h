@@ -21,7 +21,9 @@ int suite_size();
 Scenario build_suite_case(Builder& builder, int index);
 // A large case: `ships` ships whose arcs are packed with one-day thrust-table lines. At full
 // precision every arc line's epoch and thrust need 17 significant digits, as an
-// optimiser prints doubles; otherwise they are short decimals and zero thrust.
-Scenario build_bench(Builder& builder, int ships, std::uint64_t seed, bool full_precision = true);
+// optimiser prints doubles; otherwise they are short decimals and zero thrust. `tails`
+// pairs (spread over the fleet) end their first ship with a leg that really thrusts.
+Scenario build_bench(Builder& builder, int ships, std::uint64_t seed, bool full_precision = true,
+                     int tails = 0);
 
 }  // namespace synth
