@@ -16,6 +16,7 @@ import sys
 import threading
 import time
 import uuid
+import warnings
 from concurrent.futures import ThreadPoolExecutor
 from typing import Any, Iterable, Optional, Union
 
@@ -44,7 +45,10 @@ _catalogues_lock = threading.Lock()
 
 def _catalogue_at(path: str) -> "kavren.Catalogue":
     """The catalogue file at `path`, read once per process while the file is unchanged."""
-    status = os.stat(path)
+    try:
+        status = os.stat(path)
+    except OSError:
+        return kavren.Catalogue(path)  # raises the module's own reason
     identity = (status.st_ino, status.st_size, status.st_mtime_ns)
     with _catalogues_lock:
         held = _catalogues.get(path)
@@ -202,15 +206,18 @@ def _on_cluster(client, items, catalogue, options, reports, progress) -> list:
 
     workers = max(1, sum(client.nthreads().values()))
     batch = uuid.uuid4().hex
-    if isinstance(catalogue, kavren.Catalogue):
-        # Its text enters the graph once; each worker fetches the catalogue once.
-        catalogue = client.submit(_keep, catalogue, key=f"kavren-catalogue-{batch}")
-    chunks = _chunks(items, workers)
     futures = {}
-    for number, chunk in enumerate(chunks):
-        future = client.submit(_verify_chunk, chunk, catalogue, options, reports,
-                               key=f"kavren-verify-{batch}-{number}", pure=False)
-        futures[future] = chunk
+    with warnings.catch_warnings():
+        # The catalogue's text and solutions given as bytes belong in the graph, large or
+        # not: from there the scheduler runs a lost worker's tasks again.
+        warnings.filterwarnings("ignore", "Large object", UserWarning)
+        if isinstance(catalogue, kavren.Catalogue):
+            # Its text enters the graph once; each worker fetches the catalogue once.
+            catalogue = client.submit(_keep, catalogue, key=f"kavren-catalogue-{batch}")
+        for number, chunk in enumerate(_chunks(items, workers)):
+            future = client.submit(_verify_chunk, chunk, catalogue, options, reports,
+                                   key=f"kavren-verify-{batch}-{number}", pure=False)
+            futures[future] = chunk
     if progress:
         with contextlib.redirect_stdout(sys.stderr):
             distributed.progress(list(futures), notebook=False)
