@@ -75,7 +75,8 @@ def show(name, seconds):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--synth", default=str(ROOT / "build/release/tools/kavren-synth"))
-    parser.add_argument("--work", type=pathlib.Path, default=pathlib.Path("/tmp/kavren-batch-bench"))
+    parser.add_argument("--work", type=pathlib.Path,
+                        default=pathlib.Path("/tmp/kavren-batch-bench"))
     parser.add_argument("--runs", type=int, default=3)
     args = parser.parse_args()
     args.work.mkdir(parents=True, exist_ok=True)
