@@ -122,8 +122,31 @@ def _resolve(catalogue):
         return error
 
 
+_allocator_tuned = False
+
+
+def _tune_allocator() -> None:
+    """Dask's nanny starts its workers with MALLOC_TRIM_THRESHOLD_ set, which also fixes
+    glibc's threshold for serving an allocation by mmap at 128 KiB: every buffer of a
+    verification above it then comes fresh from the kernel, page by page, and a demo-sized
+    solution takes ten times as long. A threshold of 32 MiB (glibc's own largest) serves
+    them from the heap again; Dask's trimming of the heap stays as it is."""
+    global _allocator_tuned
+    if _allocator_tuned:
+        return
+    _allocator_tuned = True
+    if "MALLOC_TRIM_THRESHOLD_" in os.environ and "MALLOC_MMAP_THRESHOLD_" not in os.environ:
+        try:
+            import ctypes
+
+            ctypes.CDLL(None).mallopt(-3, 32 << 20)  # M_MMAP_THRESHOLD
+        except (OSError, AttributeError):  # not glibc: nothing to tune
+            pass
+
+
 def _verify_chunk(chunk: list, catalogue, options: dict, reports: bool) -> list:
     """A task on a Dask worker: the rows of several solutions, with their positions."""
+    _tune_allocator()
     resolved = _resolve(catalogue)
     return [(index, _verify_one(label, solution, resolved, options, reports))
             for index, label, solution in chunk]
