@@ -245,7 +245,7 @@ def _on_cluster(client, items, catalogue, options, reports, progress) -> list:
             future = client.submit(_verify_chunk, chunk, catalogue, options, reports,
                                    key=f"kavren-verify-{batch}-{number}", pure=False)
             futures[future] = chunk
-    if progress:
+    if progress and futures:
         with contextlib.redirect_stdout(sys.stderr):
             distributed.progress(list(futures), notebook=False)
     rows = [None] * len(items)
