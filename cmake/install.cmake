@@ -62,7 +62,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/kavrenConfigVersion.cmake
 install(FILES ${PROJECT_BINARY_DIR}/kavrenConfig.cmake
   ${PROJECT_BINARY_DIR}/kavrenConfigVersion.cmake DESTINATION ${_kavren_cmake_dir})
 
-# --- Python module, in the interpreter's site directory under the prefix ------------
+# --- Python package, in the interpreter's site directory under the prefix -----------
 if(KAVREN_PYTHON_MODULE)
   if(NOT KAVREN_PYTHON_INSTALL_DIR)
     # Debian's interpreter reads <prefix>/lib/python3/dist-packages for /usr and
@@ -88,9 +88,11 @@ print(os.path.relpath(path, prefix), end="")
     set(KAVREN_PYTHON_INSTALL_DIR ${_kavren_site} CACHE STRING
       "Where the Python module is installed, relative to the prefix")
   endif()
-  install(TARGETS ${KAVREN_PYTHON_MODULE} LIBRARY DESTINATION ${KAVREN_PYTHON_INSTALL_DIR})
+  # The package kavren/: the extension, the Python files, py.typed and the stubs.
+  install(TARGETS ${KAVREN_PYTHON_MODULE} LIBRARY DESTINATION ${KAVREN_PYTHON_INSTALL_DIR}/kavren)
+  install(FILES ${KAVREN_PYTHON_FILES} DESTINATION ${KAVREN_PYTHON_INSTALL_DIR}/kavren)
   install(FILES ${PROJECT_SOURCE_DIR}/python/kavren.pyi
-    DESTINATION ${KAVREN_PYTHON_INSTALL_DIR})
+    DESTINATION ${KAVREN_PYTHON_INSTALL_DIR}/kavren RENAME __init__.pyi)
 endif()
 
 # --- Installation test: a temporary prefix, a C++ consumer, the module imported ------
@@ -120,7 +122,10 @@ if(KAVREN_PYTHON_MODULE)
   set(_kavren_pyver ${KAVREN_PYTHON_VERSION_MAJOR}.${KAVREN_PYTHON_VERSION_MINOR})
   math(EXPR _kavren_pynext "${KAVREN_PYTHON_VERSION_MINOR} + 1")
   string(APPEND _kavren_depends ", python3 (>= ${_kavren_pyver}), "
-    "python3 (<< ${KAVREN_PYTHON_VERSION_MAJOR}.${_kavren_pynext}), python3-numpy")
+    "python3 (<< ${KAVREN_PYTHON_VERSION_MAJOR}.${_kavren_pynext}), python3-numpy, "
+    "python3-pandas")
+  # kavren.batch spreads a population over a Dask cluster (dask-scheduler, dask-worker).
+  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS python3-distributed)
 endif()
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "${_kavren_depends}")
 include(CPack)

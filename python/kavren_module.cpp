@@ -4,6 +4,7 @@
 //
 // The report objects are read-only views of the C++ values. Verification runs without
 // the interpreter lock, so threads of one Python process verify candidates in parallel.
+// It is the package's extension `kavren._kavren`; kavren/__init__.py gives its names.
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
@@ -14,6 +15,8 @@
 #include <cstddef>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -174,11 +177,35 @@ SolutionText solution_text(const py::handle& solution) {
                        py::str(py::type::of(solution).attr("__name__")).cast<std::string>());
 }
 
-kavren::Catalogue load_catalogue(const py::object& path) {
+// A catalogue as the module holds it: the rows, and the text they were read from, which
+// is what a pickled catalogue carries to another process (e.g. a Dask worker).
+struct HeldCatalogue : kavren::Catalogue {
+  HeldCatalogue(kavren::Catalogue rows, std::string bytes)
+      : kavren::Catalogue(std::move(rows)),
+        text(std::make_shared<const std::string>(std::move(bytes))) {}
+  std::shared_ptr<const std::string> text;
+};
+
+HeldCatalogue catalogue_from_text(std::string bytes) {
+  py::gil_scoped_release release;
+  kavren::Catalogue rows = kavren::Catalogue::from_text(bytes);
+  return HeldCatalogue(std::move(rows), std::move(bytes));
+}
+
+HeldCatalogue load_catalogue(const py::object& path) {
   const std::string name = py::str(py::module_::import("os").attr("fsdecode")(path));
   try {
     py::gil_scoped_release release;
-    return kavren::Catalogue::from_file(name);
+    kavren::Catalogue rows = kavren::Catalogue::from_file(name);
+    // Read at its size in one allocation: no freed blocks left in the address space.
+    std::ifstream file(name, std::ios::binary | std::ios::ate);
+    const std::streamoff size = file.tellg();
+    std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+    file.seekg(0);
+    if (!file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()))) {
+      throw kavren::InputError("cannot read the catalogue " + name);
+    }
+    return HeldCatalogue(std::move(rows), std::move(bytes));
   } catch (const kavren::InputError& e) {
     std::error_code ec;
     const bool exists = std::filesystem::exists(name, ec);
@@ -187,7 +214,7 @@ kavren::Catalogue load_catalogue(const py::object& path) {
   }
 }
 
-kavren::Report run_verify(const py::object& solution, const kavren::Catalogue& catalogue,
+kavren::Report run_verify(const py::object& solution, const HeldCatalogue& catalogue,
                           const std::string& mode, const std::optional<int>& threads,
                           bool trajectories, const std::optional<long long>& max_bytes,
                           const std::optional<double>& deadline) {
@@ -279,7 +306,7 @@ kavren::PolishResult run_polish(const py::object& solution, const kavren::Catalo
 
 }  // namespace
 
-PYBIND11_MODULE(kavren, m) {
+PYBIND11_MODULE(_kavren, m) {
   m.doc() =
       "Verification of low-thrust asteroid-mining solutions in memory.\n\n"
       "    import kavren\n"
@@ -291,7 +318,7 @@ PYBIND11_MODULE(kavren, m) {
       "ThreadPoolExecutor verifies several candidates at once.";
   m.attr("__version__") = kavren::version();
 
-  py::class_<kavren::Catalogue>(
+  py::class_<HeldCatalogue>(
       m, "Catalogue",
       "The asteroid catalogue: loaded once, immutable, shared by every verification.")
       .def(py::init(&load_catalogue), py::arg("path"),
@@ -300,19 +327,20 @@ PYBIND11_MODULE(kavren, m) {
       .def_static(
           "from_text",
           [](const py::object& text) {
-            std::string bytes;
-            if (py::isinstance<py::str>(text) || py::isinstance<py::bytes>(text)) {
-              bytes = text.cast<std::string>();
-            } else {
+            if (!py::isinstance<py::str>(text) && !py::isinstance<py::bytes>(text)) {
               throw py::type_error("the catalogue text must be str or bytes");
             }
-            py::gil_scoped_release release;
-            return kavren::Catalogue::from_text(bytes);
+            return catalogue_from_text(text.cast<std::string>());
           },
           py::arg("text"),
           "The catalogue from its text (str or bytes): a header line, then the records.\n"
           "Never fails: rows a short or malformed text does not reach stay at zero.")
-      .def("__repr__", [](const kavren::Catalogue&) { return "<kavren.Catalogue>"; });
+      .def(py::pickle(
+          [](const HeldCatalogue& c) { return py::make_tuple(py::bytes(*c.text)); },
+          [](const py::tuple& state) {
+            return catalogue_from_text(state[0].cast<std::string>());
+          }))
+      .def("__repr__", [](const HeldCatalogue&) { return "<kavren.Catalogue>"; });
 
   py::class_<kavren::Finding>(m, "Finding", "One violated rule, with its margin.")
       .def_readonly("code", &kavren::Finding::code, "The message code, e.g. \"Error704\".")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the build into a temporary prefix, builds a C++ consumer of the installed CMake
-# package, runs it on the demo, and imports the Python module from the prefix.
+# package, runs it on the demo, and imports the Python package from the prefix.
 #   install_test.sh <build folder> <C++ compiler>
 # Environment: KAVREN_PYTHON (interpreter), KAVREN_PYTHON_DIR (module folder relative to
 # the prefix; empty when the module is not built).
@@ -45,16 +45,23 @@ if [ "$out" != "1 5"$'\n'"$expected" ]; then
   echo "consumer printed:"; echo "$out"; exit 1
 fi
 
-# The Python module from the prefix, with the interpreter it was built for.
+# The Python package from the prefix, with the interpreter it was built for: the
+# extension, its stubs, and kavren.batch on local threads and from the command line.
 if [ -n "${KAVREN_PYTHON_DIR:-}" ]; then
   site=$prefix/$KAVREN_PYTHON_DIR
-  [ -f "$site/kavren.pyi" ] || { echo "missing $site/kavren.pyi"; exit 1; }
+  for file in __init__.py __init__.pyi py.typed batch.py; do
+    [ -f "$site/kavren/$file" ] || { echo "missing $site/kavren/$file"; exit 1; }
+  done
   (cd "$work/demo" && PYTHONPATH=$site "$KAVREN_PYTHON" -c '
-import pathlib, sys, kavren
-assert pathlib.Path(kavren.__file__).parent == pathlib.Path(sys.argv[1]), kavren.__file__
+import pathlib, sys, kavren, kavren.batch
+assert pathlib.Path(kavren.__file__).parent == pathlib.Path(sys.argv[1]) / "kavren", kavren.__file__
 report = kavren.verify(pathlib.Path("Result.txt"), kavren.Catalogue("KAVREN_Asteroids_Data.txt"))
 assert report.accepted and report.checker_output == open("expected_stdout.txt").read(), report
 assert kavren.__version__ == sys.argv[2], kavren.__version__
+table = kavren.batch.verify_many([pathlib.Path("Result.txt")], "KAVREN_Asteroids_Data.txt")
+assert list(table.checker_output) == [report.checker_output], table
 ' "$site" "$version")
+  (cd "$work/demo" && PYTHONPATH=$site "$KAVREN_PYTHON" -m kavren.batch Result.txt >/dev/null) ||
+    { echo "python3 -m kavren.batch failed on the demo"; exit 1; }
 fi
 echo "installed, consumer built and run, module imported from $prefix"
