@@ -74,7 +74,8 @@ import os, sys, sysconfig
 prefix = os.path.normpath(sys.argv[1])
 names = sysconfig.get_scheme_names()
 if prefix == "/usr/local" and "posix_local" in names:
-    path, prefix = sysconfig.get_path("platlib", "posix_local", vars={"base": "/usr", "platbase": "/usr"}), "/usr/local"
+    usr = {"base": "/usr", "platbase": "/usr"}
+    path, prefix = sysconfig.get_path("platlib", "posix_local", vars=usr), "/usr/local"
 elif "deb_system" in names:
     path = sysconfig.get_path("platlib", "deb_system", vars={"base": prefix, "platbase": prefix})
 else:
@@ -83,7 +84,8 @@ print(os.path.relpath(path, prefix), end="")
 ]=] ${CMAKE_INSTALL_PREFIX}
       OUTPUT_VARIABLE _kavren_site RESULT_VARIABLE _kavren_site_status)
     if(NOT _kavren_site_status EQUAL 0 OR _kavren_site STREQUAL "")
-      message(FATAL_ERROR "kavren: cannot find the Python site directory under ${CMAKE_INSTALL_PREFIX}")
+      message(FATAL_ERROR
+        "kavren: cannot find the Python site directory under ${CMAKE_INSTALL_PREFIX}")
     endif()
     set(KAVREN_PYTHON_INSTALL_DIR ${_kavren_site} CACHE STRING
       "Where the Python module is installed, relative to the prefix")

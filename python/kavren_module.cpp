@@ -23,10 +23,10 @@
 #include <system_error>
 #include <utility>
 
+#include "kavren/json.h"
 #include "kavren/polish.h"
 #include "kavren/report.h"
 #include "kavren/verify.h"
-#include "kavren/json.h"
 
 namespace py = pybind11;
 
@@ -65,8 +65,8 @@ std::string ship_text(int ship) {
 std::string finding_repr(const kavren::Finding& f) {
   std::string out = "<kavren.Finding " + f.code + lines_text(f.lines) + ship_text(f.ship);
   if (!f.quantity.empty()) {
-    out += ": " + f.quantity + " " + num(f.value) + " " + f.unit + ", limit " + num(f.limit) +
-           " " + f.unit + ", margin " + num(f.margin) + " " + f.unit;
+    out += ": " + f.quantity + " " + num(f.value) + " " + f.unit + ", limit " + num(f.limit) + " " +
+           f.unit + ", margin " + num(f.margin) + " " + f.unit;
   } else {
     std::string message = f.message;
     while (!message.empty() && (message.back() == '\n' || message.back() == '\r')) {
@@ -82,8 +82,8 @@ std::string constraint_repr(const kavren::Constraint& c) {
   out += ": " + std::to_string(c.evaluations) + " evaluations";
   if (c.violations > 0) out += ", " + std::to_string(c.violations) + " violated";
   if (c.evaluations > 0) {
-    out += "; worst " + c.quantity + " " + num(c.worst) + " " + c.unit + " (must be " +
-           c.relation + " " + num(c.limit) + "), margin " + num(c.margin) + " " + c.unit;
+    out += "; worst " + c.quantity + " " + num(c.worst) + " " + c.unit + " (must be " + c.relation +
+           " " + num(c.limit) + "), margin " + num(c.margin) + " " + c.unit;
     if (c.line > 0) out += " at line " + std::to_string(c.line);
   }
   return out + ">";
@@ -102,8 +102,7 @@ std::string report_repr(const kavren::Report& r) {
            num(r.summary.total_resource_mass) + " kg";
   } else {
     out += "rejected, exit status " + std::to_string(r.exit_status) + ": " +
-           std::to_string(r.findings.size()) +
-           (r.findings.size() == 1 ? " finding" : " findings");
+           std::to_string(r.findings.size()) + (r.findings.size() == 1 ? " finding" : " findings");
     if (!r.findings.empty()) {
       const kavren::Finding& f = r.findings.front();
       out += ", first " + f.code + lines_text(f.lines) + ship_text(f.ship);
@@ -267,8 +266,8 @@ py::list trajectory_arrays(const py::object& self) {
       array = py::array_t<double>(std::vector<py::ssize_t>{0, 9});
     } else {
       const double* data = &t.points.front().epoch;
-      array = py::array_t<double>({n, py::ssize_t{9}}, {row, py::ssize_t{sizeof(double)}}, data,
-                                  self);
+      array =
+          py::array_t<double>({n, py::ssize_t{9}}, {row, py::ssize_t{sizeof(double)}}, data, self);
     }
     array.attr("flags").attr("writeable") = false;
     arrays.append(array);
@@ -276,9 +275,11 @@ py::list trajectory_arrays(const py::object& self) {
   return arrays;
 }
 
-py::tuple xyz(const double (&r)[3]) { return py::make_tuple(r[0], r[1], r[2]); }
+py::tuple xyz(const double (&r)[3]) {
+  return py::make_tuple(r[0], r[1], r[2]);
+}
 
-kavren::PolishResult run_polish(const py::object& solution, const kavren::Catalogue& catalogue,
+kavren::PolishResult run_polish(const py::object& solution, const HeldCatalogue& catalogue,
                                 double safety, double max_degrees,
                                 const std::optional<int>& threads) {
   kavren::PolishOptions options;
@@ -337,9 +338,7 @@ PYBIND11_MODULE(_kavren, m) {
           "Never fails: rows a short or malformed text does not reach stay at zero.")
       .def(py::pickle(
           [](const HeldCatalogue& c) { return py::make_tuple(py::bytes(*c.text)); },
-          [](const py::tuple& state) {
-            return catalogue_from_text(state[0].cast<std::string>());
-          }))
+          [](const py::tuple& state) { return catalogue_from_text(state[0].cast<std::string>()); }))
       .def("__repr__", [](const HeldCatalogue&) { return "<kavren.Catalogue>"; });
 
   py::class_<kavren::Finding>(m, "Finding", "One violated rule, with its margin.")
@@ -425,8 +424,8 @@ PYBIND11_MODULE(_kavren, m) {
       .def("__repr__", [](const kavren::ShipSummary& s) {
         return "<kavren.ShipSummary ship " + std::to_string(s.ship) + ": " +
                std::to_string(s.miners) + " miners, " + num(s.resources) + " kg collected, " +
-               std::to_string(s.thrust_phases) + " thrust phases, final mass " +
-               num(s.final_mass) + " kg>";
+               std::to_string(s.thrust_phases) + " thrust phases, final mass " + num(s.final_mass) +
+               " kg>";
       });
 
   py::class_<kavren::Summary>(m, "Summary", "The solution's figures.")
@@ -512,8 +511,8 @@ PYBIND11_MODULE(_kavren, m) {
       .def_readonly("iterations", &kavren::ArcPolish::iterations)
       .def_readonly("integrations", &kavren::ArcPolish::integrations)
       .def("__repr__", [](const kavren::ArcPolish& a) {
-        return "<ArcPolish ship " + std::to_string(a.ship) + " line " +
-               std::to_string(a.end_line) + (a.polished ? " polished>" : " not polished>");
+        return "<ArcPolish ship " + std::to_string(a.ship) + " line " + std::to_string(a.end_line) +
+               (a.polished ? " polished>" : " not polished>");
       });
   py::class_<kavren::LeftFinding>(m, "LeftFinding", "A finding polishing leaves as it is.")
       .def_readonly("code", &kavren::LeftFinding::code)
@@ -533,8 +532,8 @@ PYBIND11_MODULE(_kavren, m) {
       .def_readonly("report", &kavren::PolishResult::report,
                     "The polished text verified, every finding (mode \"all\").");
 
-  m.def("polish", &run_polish, py::arg("solution"), py::arg("catalogue"),
-        py::arg("safety") = 0.5, py::arg("max_degrees") = 10.0, py::arg("threads") = py::none(),
+  m.def("polish", &run_polish, py::arg("solution"), py::arg("catalogue"), py::arg("safety") = 0.5,
+        py::arg("max_degrees") = 10.0, py::arg("threads") = py::none(),
         "Changes the thrust numbers of every burning arc whose end state misses (Error201,\n"
         "Error202, Error203) so that the verifier's integration lands on it, and returns a\n"
         "PolishResult: the polished text, one entry per failing arc and the report of the\n"
@@ -545,10 +544,9 @@ PYBIND11_MODULE(_kavren, m) {
         "threads: workers (None: one per core); the result does not depend on it.\n"
         "The interpreter lock is released while it runs.");
 
-  m.def("verify", &run_verify, py::arg("solution"), py::arg("catalogue"),
-        py::arg("mode") = "first", py::arg("threads") = py::none(),
-        py::arg("trajectories") = false, py::arg("max_bytes") = py::none(),
-        py::arg("deadline") = py::none(),
+  m.def("verify", &run_verify, py::arg("solution"), py::arg("catalogue"), py::arg("mode") = "first",
+        py::arg("threads") = py::none(), py::arg("trajectories") = false,
+        py::arg("max_bytes") = py::none(), py::arg("deadline") = py::none(),
         "Verifies one solution and returns its Report.\n\n"
         "solution: the text of a Result.txt file (str or bytes), or the path of one\n"
         "  (os.PathLike, e.g. pathlib.Path).\n"

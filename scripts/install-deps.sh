@@ -6,13 +6,16 @@ command -v cmake >/dev/null 2>&1 || need+=(cmake)
 command -v g++ >/dev/null 2>&1 || need+=(g++)
 command -v make >/dev/null 2>&1 || need+=(make)
 [ -f /usr/include/gtest/gtest.h ] || need+=(libgtest-dev)
+# The style check of the test script.
+command -v clang-format >/dev/null 2>&1 || need+=(clang-format)
 # kavren-report: its command line, its JSON, and a browser for the test of its pages.
 [ -f /usr/include/CLI/CLI.hpp ] || need+=(libcli11-dev)
 [ -f /usr/include/nlohmann/json.hpp ] || need+=(nlohmann-json3-dev)
 command -v chromium >/dev/null 2>&1 || need+=(chromium)
 # The Python package and its tests, for Debian's /usr/bin/python3.
 [ -f /usr/lib/cmake/pybind11/pybind11Config.cmake ] || need+=(pybind11-dev)
-/usr/bin/python3 -c 'import sysconfig, os, sys; sys.exit(not os.path.exists(os.path.join(sysconfig.get_paths()["include"], "Python.h")))' \
+/usr/bin/python3 -c 'import sysconfig, os, sys
+sys.exit(not os.path.exists(os.path.join(sysconfig.get_paths()["include"], "Python.h")))' \
   >/dev/null 2>&1 || need+=(python3-dev)
 /usr/bin/python3 -c 'import numpy' >/dev/null 2>&1 || need+=(python3-numpy)
 /usr/bin/python3 -c 'import pytest' >/dev/null 2>&1 || need+=(python3-pytest)

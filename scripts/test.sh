@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
-# Builds and runs every test, in the release build and in the sanitizer build, runs the
-# tests that verify from many threads at once under ThreadSanitizer, then runs each fuzz
-# target for a bounded time under AddressSanitizer and UndefinedBehaviorSanitizer
-# (KAVREN_FUZZ_SECONDS per target, default 60; 0 skips the fuzzing).
+# Checks the style, then builds and runs every test, in the release build and in the
+# sanitizer build, runs the tests that verify from many threads at once under
+# ThreadSanitizer, then runs each fuzz target for a bounded time under AddressSanitizer
+# and UndefinedBehaviorSanitizer (KAVREN_FUZZ_SECONDS per target, default 60; 0 skips the
+# fuzzing).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 ./scripts/install-deps.sh
+# The style stays as written: clang-format's, and no line past 100 columns.
+./scripts/check-format.sh
 jobs=$(nproc 2>/dev/null || echo 2)
 for preset in release sanitize; do
   cmake --preset "$preset" >/dev/null

@@ -54,7 +54,8 @@ def test_limits_return_a_report_without_verdict(demo, bench):
     assert kavren.verify(text, catalogue, max_bytes=len(text)).outcome == "verified"
     over = kavren.verify(text, catalogue, max_bytes=len(text) - 1)
     assert (over.outcome, over.accepted, over.checker_output) == ("limit_reached", False, "")
-    assert over.error == f"the solution holds {len(text)} bytes, more than the limit of {len(text) - 1}"
+    assert over.error == (f"the solution holds {len(text)} bytes, "
+                          f"more than the limit of {len(text) - 1}")
 
     slow = hostile((bench / "Result.txt").read_text())
     # A millisecond: far less than reading the file takes.

@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <utility>
 
+#include "kavren/limits.h"
 #include "lowthrust/arc_data.h"
 #include "lowthrust/arc_integration.h"
 #include "records/findings.h"
-#include "kavren/limits.h"
 
 namespace kavren {
 namespace {

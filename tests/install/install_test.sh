@@ -24,7 +24,8 @@ if [ -n "$(find "$prefix/include" -name '*.h' ! -path '*/include/kavren/*')" ]; 
 fi
 
 # One version everywhere: the CMake package's, the Debian package's, the programs'.
-version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")$/\1/p' "$prefix"/lib*/cmake/kavren/kavrenConfigVersion.cmake)
+version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")$/\1/p' \
+  "$prefix"/lib*/cmake/kavren/kavrenConfigVersion.cmake)
 deb_version=$(sed -n 's/^set(CPACK_PACKAGE_VERSION "\(.*\)")$/\1/p' "$build/CPackConfig.cmake")
 report_version=$("$prefix/bin/kavren-report" --version)
 if [ -z "$version" ] || [ "$deb_version" != "$version" ] || \

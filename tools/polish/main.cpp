@@ -25,8 +25,8 @@
 #include <utility>
 #include <vector>
 
-#include "kavren/polish.h"
 #include "kavren/json.h"
+#include "kavren/polish.h"
 
 namespace {
 

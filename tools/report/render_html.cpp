@@ -31,18 +31,35 @@ std::string escape(std::string_view text) {
   out.reserve(text.size());
   for (unsigned char c : text) {
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\'': out += "&#39;"; break;
-      case '\t': out += ' '; break;
-      case '\n': out += '\n'; break;
-      case '\r': break;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      case '\'':
+        out += "&#39;";
+        break;
+      case '\t':
+        out += ' ';
+        break;
+      case '\n':
+        out += '\n';
+        break;
+      case '\r':
+        break;
       default:
         // Control bytes have no place in a page; everything else passes as UTF-8.
-        if (c < 0x20 || c == 0x7F) out += "\xEF\xBF\xBD";
-        else out += static_cast<char>(c);
+        if (c < 0x20 || c == 0x7F)
+          out += "\xEF\xBF\xBD";
+        else
+          out += static_cast<char>(c);
     }
   }
   return out;
@@ -61,15 +78,16 @@ std::string ship_colour(int ship) {
 }
 
 std::string number_cell(double x, const std::string& unit) {
-  std::string cell = "<td class=\"num\" title=\"" + exact_number(x) + "\">" +
-                     escape(short_number(x));
+  std::string cell =
+      "<td class=\"num\" title=\"" + exact_number(x) + "\">" + escape(short_number(x));
   if (!unit.empty() && std::isfinite(x)) cell += " " + escape(unit);
   return cell + "</td>";
 }
 
 std::string join_lines(const std::vector<long long>& lines) {
   std::string s;
-  for (std::size_t k = 0; k < lines.size() && k < 8; ++k) s += (k ? ", " : "") + std::to_string(lines[k]);
+  for (std::size_t k = 0; k < lines.size() && k < 8; ++k)
+    s += (k ? ", " : "") + std::to_string(lines[k]);
   if (lines.size() > 8) s += ", … (" + std::to_string(lines.size()) + ")";
   return s;
 }
@@ -94,9 +112,7 @@ std::vector<std::string_view> split_lines(const std::string& text) {
 struct Place {
   int ship;
   std::size_t event;
-  bool operator<(const Place& o) const {
-    return ship != o.ship ? ship < o.ship : event < o.event;
-  }
+  bool operator<(const Place& o) const { return ship != o.ship ? ship < o.ship : event < o.event; }
 };
 
 std::map<Place, std::string> violated_places(const Report& r) {
@@ -108,11 +124,12 @@ std::map<Place, std::string> violated_places(const Report& r) {
         for (std::size_t k = 0; k < s.events.size(); ++k) {
           const long long first = s.events[k].line;
           const bool in_pair = line == first || line == first + 1;
-          const bool ends_arc = line < first && (k == 0 || line > s.events[k - 1].line + 1) &&
-                                f.ship == s.ship;
+          const bool ends_arc =
+              line < first && (k == 0 || line > s.events[k - 1].line + 1) && f.ship == s.ship;
           if (in_pair || ends_arc) {
             std::string& codes = places[{s.ship, k}];
-            if (codes.find(f.code) == std::string::npos) codes += (codes.empty() ? "" : " ") + f.code;
+            if (codes.find(f.code) == std::string::npos)
+              codes += (codes.empty() ? "" : " ") + f.code;
             break;
           }
         }
@@ -124,9 +141,9 @@ std::map<Place, std::string> violated_places(const Report& r) {
 
 // ---- plots ------------------------------------------------------------------------
 
-struct Frame {  // maps data to SVG pixels
-  double x0, x1, y0, y1;      // data ranges
-  double left, top, w, h;     // pixel box
+struct Frame {             // maps data to SVG pixels
+  double x0, x1, y0, y1;   // data ranges
+  double left, top, w, h;  // pixel box
   double px(double x) const { return left + (x - x0) / (x1 - x0) * w; }
   double py(double y) const { return top + h - (y - y0) / (y1 - y0) * h; }
 };
@@ -145,19 +162,20 @@ std::string marker(const std::string& kind, double x, double y, const std::strin
            "\" width=\"7\" height=\"7\" fill=\"" + fill + "\">" + t + "</rect>";
   }
   if (kind == "drop") {
-    return "<path class=\"ev drop\" d=\"M" + X + " " + fixed(y - 5) + "L" + fixed(x + 5) + " " +
-           Y + "L" + X + " " + fixed(y + 5) + "L" + fixed(x - 5) + " " + Y + "Z\" fill=\"" +
-           fill + "\">" + t + "</path>";
+    return "<path class=\"ev drop\" d=\"M" + X + " " + fixed(y - 5) + "L" + fixed(x + 5) + " " + Y +
+           "L" + X + " " + fixed(y + 5) + "L" + fixed(x - 5) + " " + Y + "Z\" fill=\"" + fill +
+           "\">" + t + "</path>";
   }
-  return "<circle class=\"ev flyby\" cx=\"" + X + "\" cy=\"" + Y + "\" r=\"3.5\" fill=\"white\" stroke=\"" +
-         fill + "\" stroke-width=\"2\">" + t + "</circle>";
+  return "<circle class=\"ev flyby\" cx=\"" + X + "\" cy=\"" + Y +
+         "\" r=\"3.5\" fill=\"white\" stroke=\"" + fill + "\" stroke-width=\"2\">" + t +
+         "</circle>";
 }
 
 std::string event_title(const ShipSummary& s, const EventMark& e) {
-  std::string body = e.body_id == -2   ? "Venus"
+  std::string body = e.body_id == -2                     ? "Venus"
                      : e.body_id == -3 || e.body_id == 0 ? "the Earth"
-                     : e.body_id == -4 ? "Mars"
-                                       : "asteroid " + std::to_string(e.body_id);
+                     : e.body_id == -4                   ? "Mars"
+                                                         : "asteroid " + std::to_string(e.body_id);
   return "ship " + std::to_string(s.ship) + ": " + e.kind + " (" + body + ") at MJD " +
          short_number(e.epoch, 9) + ", line " + std::to_string(e.line) + ", mass " +
          short_number(e.mass) + " kg";
@@ -218,9 +236,9 @@ std::string orbit_plot(const Report& r, const std::map<Place, std::string>& plac
   extent = std::min(extent, 40.0);
   const double size = 640;
   const Frame f{-extent, extent, -extent, extent, 10, 10, size - 20, size - 20};
-  std::string svg = "<svg class=\"orbits\" viewBox=\"0 0 " + fixed(size, 0) + " " +
-                    fixed(size, 0) + "\" width=\"" + fixed(size, 0) + "\" height=\"" +
-                    fixed(size, 0) + "\" xmlns=\"http://www.w3.org/2000/svg\" role=\"img\">";
+  std::string svg = "<svg class=\"orbits\" viewBox=\"0 0 " + fixed(size, 0) + " " + fixed(size, 0) +
+                    "\" width=\"" + fixed(size, 0) + "\" height=\"" + fixed(size, 0) +
+                    "\" xmlns=\"http://www.w3.org/2000/svg\" role=\"img\">";
   svg += "<rect x=\"0\" y=\"0\" width=\"100%\" height=\"100%\" fill=\"#fbfbfd\"/>";
   // A grid ring every AU.
   for (int ring = 1; ring <= static_cast<int>(extent); ++ring) {
@@ -232,7 +250,8 @@ std::string orbit_plot(const Report& r, const std::map<Place, std::string>& plac
   for (const auto& [planet, path] : orbits) {
     if (path.empty()) continue;
     std::string d;
-    for (const auto& [x, y] : path) d += (d.empty() ? "M" : "L") + fixed(f.px(x)) + " " + fixed(f.py(y));
+    for (const auto& [x, y] : path)
+      d += (d.empty() ? "M" : "L") + fixed(f.px(x)) + " " + fixed(f.py(y));
     svg += "<path class=\"planet\" d=\"" + d + "Z\"><title>orbit of " + planet->name +
            "</title></path>";
     svg += "<text class=\"planet-name\" x=\"" + fixed(f.px(path[45].first) + 4) + "\" y=\"" +
@@ -271,8 +290,8 @@ std::string orbit_plot(const Report& r, const std::map<Place, std::string>& plac
       auto hit = places.find({s.ship, k});
       if (hit != places.end()) {
         svg += "<circle class=\"violated\" cx=\"" + fixed(x) + "\" cy=\"" + fixed(y) +
-               "\" r=\"10\"><title>" + escape(hit->second) + " at line " +
-               std::to_string(e.line) + "</title></circle>";
+               "\" r=\"10\"><title>" + escape(hit->second) + " at line " + std::to_string(e.line) +
+               "</title></circle>";
       }
       svg += marker(e.kind, x, y, colour, event_title(s, e));
     }
@@ -314,8 +333,8 @@ std::string timeline_plot(const Report& r, const std::map<Place, std::string>& p
   const double row = 18, left = 64, width = 900;
   const std::size_t n = r.summary.per_ship.size();
   const double height = 24 + row * static_cast<double>(n) + 18;
-  Frame f{kMissionStart, kMissionEnd, 0, 1, left, 16, width - left - 12,
-          row * static_cast<double>(n)};
+  Frame f{
+      kMissionStart, kMissionEnd, 0, 1, left, 16, width - left - 12, row * static_cast<double>(n)};
   for (const ShipSummary& s : r.summary.per_ship)
     for (const EventMark& e : s.events)
       if (std::isfinite(e.epoch)) {
@@ -470,8 +489,8 @@ std::string ship_plots(const Report& r, const ShipSummary& s,
     const double top = 18 + p * (panel_h + gap);
     const Frame f{t0, t1, lo, hi, left, top, width - left - 12, panel_h};
     svg += "<g class=\"panel\" data-quantity=\"" + std::string(panel.title) + "\">";
-    svg += "<rect class=\"frame\" x=\"" + fixed(f.left) + "\" y=\"" + fixed(f.top) +
-           "\" width=\"" + fixed(f.w) + "\" height=\"" + fixed(f.h) + "\"/>";
+    svg += "<rect class=\"frame\" x=\"" + fixed(f.left) + "\" y=\"" + fixed(f.top) + "\" width=\"" +
+           fixed(f.w) + "\" height=\"" + fixed(f.h) + "\"/>";
     svg += "<text class=\"panel-title\" x=\"" + fixed(f.left) + "\" y=\"" + fixed(f.top - 5) +
            "\">" + panel.title + " (" + panel.unit + ")</text>";
     for (double v : {lo, (lo + hi) / 2, hi}) {
@@ -493,11 +512,11 @@ std::string ship_plots(const Report& r, const ShipSummary& s,
              escape(places.at({s.ship, k})) + "</title></line>";
     }
     if (panel.data->empty()) {
-      svg += "<text class=\"note\" x=\"" + fixed(f.left + 8) + "\" y=\"" +
-             fixed(f.top + f.h / 2) + "\">no sampled states</text>";
+      svg += "<text class=\"note\" x=\"" + fixed(f.left + 8) + "\" y=\"" + fixed(f.top + f.h / 2) +
+             "\">no sampled states</text>";
     } else {
-      svg += "<path class=\"series\" d=\"" + series_path(*panel.data, f) + "\" stroke=\"" +
-             colour + "\"/>";
+      svg += "<path class=\"series\" d=\"" + series_path(*panel.data, f) + "\" stroke=\"" + colour +
+             "\"/>";
     }
     svg += "</g>";
   }
@@ -516,12 +535,12 @@ std::string findings_table(const Checked& c, const std::vector<std::string_view>
       "<th>quantity</th><th>value</th><th>limit</th><th>margin</th></tr></thead><tbody>";
   for (std::size_t k = 0; k < r.findings.size() && k < kMaxFindingsShown; ++k) {
     const Finding& f = r.findings[k];
-    html += std::string("<tr class=\"finding") + (f.first ? " first" : "") + "\"><td class=\"code\">" +
-            escape(f.code) + (f.first ? " <span class=\"tag\">printed</span>" : "") +
-            "</td><td>" + join_lines(f.lines) + "</td><td>" +
-            (f.ship ? std::to_string(f.ship) : "") + "</td><td>" + escape(f.quantity) +
-            "</td>" + number_cell(f.value, f.unit) + number_cell(f.limit, f.unit) +
-            number_cell(f.margin, f.unit) + "</tr>";
+    html += std::string("<tr class=\"finding") + (f.first ? " first" : "") +
+            "\"><td class=\"code\">" + escape(f.code) +
+            (f.first ? " <span class=\"tag\">printed</span>" : "") + "</td><td>" +
+            join_lines(f.lines) + "</td><td>" + (f.ship ? std::to_string(f.ship) : "") +
+            "</td><td>" + escape(f.quantity) + "</td>" + number_cell(f.value, f.unit) +
+            number_cell(f.limit, f.unit) + number_cell(f.margin, f.unit) + "</tr>";
     html += "<tr class=\"detail\"><td></td><td colspan=\"6\"><div class=\"message\">" +
             escape(f.message) + "</div>";
     for (const PolishHint& hint : hints) {
@@ -566,17 +585,16 @@ std::string constraints_table(const Report& r) {
   for (const Constraint& c : r.constraints) {
     std::string where;
     if (c.line) where = "line " + std::to_string(c.line);
-    if (c.ship) where += (where.empty() ? "" : ", ") + std::string("ship ") + std::to_string(c.ship);
+    if (c.ship)
+      where += (where.empty() ? "" : ", ") + std::string("ship ") + std::to_string(c.ship);
     html += std::string("<tr class=\"") + (c.passed ? "pass" : "fail") + "\"><td>" +
             escape(c.rule) + "</td><td>" + escape(c.code) + "</td><td>" + escape(c.quantity) +
             "</td><td class=\"num\">" + std::to_string(c.evaluations) + "</td>" +
-            number_cell(c.worst, c.unit) + "<td>" + where + "</td>" +
-            "<td class=\"num\">" +
+            number_cell(c.worst, c.unit) + "<td>" + where + "</td>" + "<td class=\"num\">" +
             (std::isfinite(c.limit) ? escape(c.relation) + " " + escape(short_number(c.limit)) +
                                           (c.unit.empty() ? "" : " " + escape(c.unit))
                                     : "—") +
-            "</td>" +
-            number_cell(c.margin, c.unit) + "<td class=\"result\">" +
+            "</td>" + number_cell(c.margin, c.unit) + "<td class=\"result\">" +
             (c.passed ? "pass" : "fail (" + std::to_string(c.violations) + ")") + "</td></tr>";
   }
   return html + "</tbody></table>";
@@ -633,8 +651,8 @@ std::string legend(const Report& r) {
   html += "<span class=\"ships-toggle\">";
   for (const ShipSummary& s : r.summary.per_ship) {
     html += "<label><input type=\"checkbox\" checked data-ship=\"" + std::to_string(s.ship) +
-            "\"><span class=\"swatch\" style=\"background:" + ship_colour(s.ship) +
-            "\"></span>" + std::to_string(s.ship) + "</label>";
+            "\"><span class=\"swatch\" style=\"background:" + ship_colour(s.ship) + "\"></span>" +
+            std::to_string(s.ship) + "</label>";
   }
   return html + "</span></div>";
 }
@@ -713,18 +731,21 @@ std::string solution_section(const Checked& c, std::size_t index) {
   const std::map<Place, std::string> places = violated_places(r);
   const std::string name = c.name == "-" ? "standard input" : c.name;
   std::string html = "<section class=\"solution\" id=\"solution-" + std::to_string(index) + "\">";
-  html += "<h2>" + escape(name) + (r.accepted ? " <span class=\"badge ok\">accepted</span>"
-                                              : " <span class=\"badge fail\">rejected</span>");
+  html += "<h2>" + escape(name) +
+          (r.accepted ? " <span class=\"badge ok\">accepted</span>"
+                      : " <span class=\"badge fail\">rejected</span>");
   if (r.outcome != Outcome::verified) html += " <span class=\"badge warn\">incomplete</span>";
   html += "</h2>";
   html += std::string("<pre class=\"verdict") + (r.accepted ? "" : " fail") + "\">" +
           escape(r.checker_output) + "</pre>";
   if (r.outcome != Outcome::verified) html += "<p class=\"note\">" + escape(r.error) + "</p>";
-  html += "<p class=\"note\">kavren-check exits with status " + std::to_string(r.exit_status) +
-          ".</p>";
-  html += "<h3>Findings (" + std::to_string(r.findings.size()) + ")</h3>" + findings_table(c, lines);
-  html += "<h3>Trajectories</h3><p class=\"note\">Heliocentric, projected on the ecliptic "
-          "(x to the right, y up), with the orbits of Venus, the Earth and Mars.</p>";
+  html +=
+      "<p class=\"note\">kavren-check exits with status " + std::to_string(r.exit_status) + ".</p>";
+  html +=
+      "<h3>Findings (" + std::to_string(r.findings.size()) + ")</h3>" + findings_table(c, lines);
+  html +=
+      "<h3>Trajectories</h3><p class=\"note\">Heliocentric, projected on the ecliptic "
+      "(x to the right, y up), with the orbits of Venus, the Earth and Mars.</p>";
   html += "<div class=\"plots\">" + orbit_plot(r, places) + legend(r) + "</div>";
   html += "<h3>Timeline</h3><p class=\"note\">Events and thrust phases of every ship.</p>" +
           timeline_plot(r, places);
@@ -738,9 +759,10 @@ std::string solution_section(const Checked& c, std::size_t index) {
   for (std::size_t k = 0; k < r.summary.per_ship.size(); ++k) {
     const ShipSummary& s = r.summary.per_ship[k];
     const bool open = k < 6 || violated_ships.count(s.ship) > 0;
-    html += std::string("<details class=\"ship-plots\" data-ship-plot=\"") + std::to_string(s.ship) +
-            "\"" + (open ? " open" : "") + "><summary><span class=\"swatch\" style=\"background:" +
-            ship_colour(s.ship) + "\"></span>ship " + std::to_string(s.ship) +
+    html += std::string("<details class=\"ship-plots\" data-ship-plot=\"") +
+            std::to_string(s.ship) + "\"" + (open ? " open" : "") +
+            "><summary><span class=\"swatch\" style=\"background:" + ship_colour(s.ship) +
+            "\"></span>ship " + std::to_string(s.ship) +
             (violated_ships.count(s.ship) ? " — violated" : "") + "</summary>" +
             ship_plots(r, s, places) + "</details>";
   }
@@ -751,26 +773,29 @@ std::string solution_section(const Checked& c, std::size_t index) {
 
 std::string render_html(const std::vector<Checked>& all) {
   std::string title = "kavren-report";
-  if (all.size() == 1) title += ": " + (all[0].name == "-" ? std::string("standard input") : all[0].name);
-  std::string html = "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
-                     "<meta name=\"viewport\" content=\"width=device-width,initial-scale=1\">"
-                     "<title>" + escape(title) + "</title><style>" + kStyle +
-                     "</style></head><body><main>";
+  if (all.size() == 1)
+    title += ": " + (all[0].name == "-" ? std::string("standard input") : all[0].name);
+  std::string html =
+      "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
+      "<meta name=\"viewport\" content=\"width=device-width,initial-scale=1\">"
+      "<title>" +
+      escape(title) + "</title><style>" + kStyle + "</style></head><body><main>";
   html += "<h1>" + escape(title) + "</h1><p class=\"note\">Verified by kavren " +
           std::string(kavren::version()) + ".</p>";
   if (all.size() > 1) {
-    html += "<section class=\"solution overview\"><h3>Solutions</h3><table><thead><tr><th>file</th>"
-            "<th>verdict</th><th>ships</th><th>asteroids</th><th>resource mass</th><th>time</th>"
-            "</tr></thead><tbody>";
+    html +=
+        "<section class=\"solution overview\"><h3>Solutions</h3><table><thead><tr><th>file</th>"
+        "<th>verdict</th><th>ships</th><th>asteroids</th><th>resource mass</th><th>time</th>"
+        "</tr></thead><tbody>";
     for (std::size_t k = 0; k < all.size(); ++k) {
       const Report& r = all[k].report;
       char seconds[32];
       std::snprintf(seconds, sizeof seconds, "%.2f s", all[k].seconds);
-      html += std::string("<tr class=\"") + (r.accepted ? "pass" : "fail") + "\"><td><a href=\"#solution-" +
-              std::to_string(k) + "\">" + escape(all[k].name) + "</a></td><td class=\"result\">" +
-              (r.accepted ? "accepted" : "rejected") + "</td><td class=\"num\">" +
-              std::to_string(r.summary.ships) + "</td><td class=\"num\">" +
-              std::to_string(r.summary.mined_asteroids) + "</td>" +
+      html += std::string("<tr class=\"") + (r.accepted ? "pass" : "fail") +
+              "\"><td><a href=\"#solution-" + std::to_string(k) + "\">" + escape(all[k].name) +
+              "</a></td><td class=\"result\">" + (r.accepted ? "accepted" : "rejected") +
+              "</td><td class=\"num\">" + std::to_string(r.summary.ships) +
+              "</td><td class=\"num\">" + std::to_string(r.summary.mined_asteroids) + "</td>" +
               number_cell(r.summary.total_resource_mass, "kg") + "<td class=\"num\">" + seconds +
               "</td></tr>";
     }

@@ -1,8 +1,8 @@
 // The terminal report: plain columns, coloured only when the caller asks for it.
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <sstream>
 
@@ -80,7 +80,9 @@ std::string line_list(const std::vector<long long>& lines) {
   return s.empty() ? "-" : s;
 }
 
-std::string count_or_dash(int n) { return n > 0 ? std::to_string(n) : "-"; }
+std::string count_or_dash(int n) {
+  return n > 0 ? std::to_string(n) : "-";
+}
 
 std::string with_unit(double x, const std::string& unit) {
   const std::string n = short_number(x);
@@ -165,8 +167,8 @@ void summary_section(std::string& out, const Report& r, const Painter& paint) {
   }
   out += table({"ship", "launch MJD", "final kg", "miners", "resources kg", "last drop MJD",
                 "thrust phases", "events"},
-               {Align::right, Align::right, Align::right, Align::right, Align::right,
-                Align::right, Align::right, Align::right},
+               {Align::right, Align::right, Align::right, Align::right, Align::right, Align::right,
+                Align::right, Align::right},
                rows, paint, nullptr);
 }
 
@@ -231,8 +233,7 @@ std::string render_table(const std::vector<Checked>& all, const TextStyle& style
   }
   return paint(kBold, "Solutions") + "\n" +
          table({"file", "verdict", "ships", "asteroids", "resource mass", "time"},
-               {Align::left, Align::left, Align::right, Align::right, Align::right,
-                Align::right},
+               {Align::left, Align::left, Align::right, Align::right, Align::right, Align::right},
                rows, paint, [&](std::size_t row, std::size_t col) -> const char* {
                  if (col != 1) return nullptr;
                  return all[row].report.accepted ? kGreen : kRed;

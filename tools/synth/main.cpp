@@ -54,13 +54,12 @@ std::string write_scenario(const std::string& dir, std::uint64_t seed, Build bui
   write_file(dir + "/Result.txt", builder.result_text());
   write_file(dir + "/expected_stdout.txt", builder.expected_stdout());
   write_file(dir + "/expected_ScoreData.txt", builder.expected_score());
-  std::string manifest = "scenario: " + scenario.name + "\n" +
-                         "description: " + scenario.description + "\n" +
-                         "seed: " + std::to_string(seed) + "\n" +
-                         "ships: " + std::to_string(builder.num_ships()) + "\n" +
-                         "lines: " + std::to_string(builder.num_lines()) + "\n" +
-                         "planted asteroids: " + std::to_string(catalogue.planted()) + "\n" +
-                         "expected stdout:\n" + builder.expected_stdout();
+  std::string manifest =
+      "scenario: " + scenario.name + "\n" + "description: " + scenario.description + "\n" +
+      "seed: " + std::to_string(seed) + "\n" + "ships: " + std::to_string(builder.num_ships()) +
+      "\n" + "lines: " + std::to_string(builder.num_lines()) + "\n" +
+      "planted asteroids: " + std::to_string(catalogue.planted()) + "\n" + "expected stdout:\n" +
+      builder.expected_stdout();
   write_file(dir + "/manifest.txt", manifest);
   std::cout << dir << ": " << scenario.name << ", " << builder.num_ships() << " ships, "
             << builder.num_lines() << " lines\n";
@@ -119,7 +118,8 @@ int main(int argc, char** argv) {
       if (ships < 2 || ships > 100 || ships % 2 != 0) {
         throw std::runtime_error("--ships must be an even number from 2 to 100");
       }
-      const int arcs = static_cast<int>(option(argc, argv, "--arcs", 1 + static_cast<long>(seed % 3)));
+      const int arcs =
+          static_cast<int>(option(argc, argv, "--arcs", 1 + static_cast<long>(seed % 3)));
       const std::string valid = write_scenario(dir, seed, [&](synth::Builder& b) {
         return synth::build_bench(b, ships, seed, true, 5);
       });

@@ -74,7 +74,7 @@ struct PairPlan {
   double spacing = 30.0;
   int k1 = 3, k2 = 4;
   double mass1 = 29.9, mass2 = 39.9;
-  int idle_lines = 4;      // thrust lines per idle phase, 0 for pure coasts
+  int idle_lines = 4;  // thrust lines per idle phase, 0 for pure coasts
   int idle_per_arc = 2;
   // Full-precision idle phases: the first starts 0.3 days after the event (an epoch no
   // short decimal holds) and each thrusts a random vector of at most this many newtons
@@ -93,7 +93,9 @@ struct PairPlan {
   double tail_thrust = 0.0;
 };
 
-double norm3(const double* v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); }
+double norm3(const double* v) {
+  return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+}
 
 void body_state(int id, double t, double* rv) {
   int flag = 0;
@@ -129,8 +131,8 @@ void turned_departure(const Builder& b, int body, double angle, double* vout) {
 // (two-body transfer) arriving between lo and hi days later whose departure excess speed
 // equals the arrival's and whose turn stays within `turn_share` of the largest the planet
 // allows. Returns the arrival epoch and writes the heliocentric departure velocity.
-double matched_leg(const Builder& b, int from, int to, double lo, double hi,
-                   double turn_share, double* vout) {
+double matched_leg(const Builder& b, int from, int to, double lo, double hi, double turn_share,
+                   double* vout) {
   const double t = b.reached_epoch();
   const double* ship = b.reached_rv();
   double planet[6];
@@ -353,11 +355,14 @@ Scenario build_demo(Builder& b, std::uint64_t seed) {
   second.idle_lines = 0;  // pure coasts between this pair's events
   build_pair(b, second);
   build_thruster(b, 64600.0, rng);
-  return {"demo", "two resonant mining pairs (one turning at its last Earth drops and "
-                 "flying by the Earth again) and one thrusting ship"};
+  return {"demo",
+          "two resonant mining pairs (one turning at its last Earth drops and "
+          "flying by the Earth again) and one thrusting ship"};
 }
 
-int suite_size() { return 5; }
+int suite_size() {
+  return 5;
+}
 
 Scenario build_suite_case(Builder& b, int index) {
   Rng rng(1000 + index);
@@ -400,8 +405,9 @@ Scenario build_suite_case(Builder& b, int index) {
       plan.returns = 2;
       build_pair(b, plan);
       build_planet_tour(b, 64700.0, 156.0);
-      return {"flybys", "a pair turning at its last drops and flying by the Earth twice "
-                        "more, and a ship touring Venus, the Earth and Mars"};
+      return {"flybys",
+              "a pair turning at its last drops and flying by the Earth twice "
+              "more, and a ship touring Venus, the Earth and Mars"};
     }
     case 3:
     default: {
@@ -418,8 +424,7 @@ Scenario build_suite_case(Builder& b, int index) {
   }
 }
 
-Scenario build_bench(Builder& b, int ships, std::uint64_t seed, bool full_precision,
-                     int tails) {
+Scenario build_bench(Builder& b, int ships, std::uint64_t seed, bool full_precision, int tails) {
   Rng rng(seed);
   Rng thrust_rng(seed + 1);
   Rng tail_rng(seed + 2);
