@@ -14,6 +14,7 @@
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iostream>
@@ -27,6 +28,7 @@
 
 #include "kavren/json.h"
 #include "kavren/polish.h"
+#include "kavren/verify.h"
 
 namespace {
 
@@ -247,9 +249,11 @@ int main(int argc, char** argv) {
                  "Largest turn of a thrust line, degrees")
       ->check(CLI::Range(1e-6, 90.0))
       ->capture_default_str();
+  settings.options.threads = kavren::workers_from_text(std::getenv("KAVREN_THREADS"));
   app.add_option("--threads", settings.options.threads,
-                 "Threads polishing and verifying (default: one per hardware thread)")
-      ->check(CLI::Range(1, 1024));
+                 "Threads polishing and verifying (default: KAVREN_THREADS, else one per "
+                 "hardware thread)")
+      ->check(CLI::Range(1, kavren::kMaxWorkers));
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
