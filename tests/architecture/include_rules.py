@@ -81,53 +81,38 @@ for key, (here, targets) in sorted(files.items()):
         if there != here and there not in allowed[here]:
             errors.append(f"{key}: includes {target}, but {here} may not include {there}")
 
-# Cycles between files.
-state = {}
+def report_cycles(graph, what):
+    """Appends every cycle a depth-first walk of `graph` (node -> successors) meets."""
+    state = {}
+
+    def visit(node, path):
+        state[node] = 1
+        for nxt in sorted(graph.get(node, ())):
+            if state.get(nxt) == 1:
+                errors.append(what + ": " + " -> ".join(path[path.index(nxt):] + [nxt]))
+            elif nxt not in state:
+                visit(nxt, path + [nxt])
+        state[node] = 2
+
+    for node in sorted(graph):
+        if node not in state:
+            visit(node, [node])
 
 
-def visit(key, path):
-    state[key] = 1
-    for target in files[key][1]:
-        if target not in files:
-            continue
-        if state.get(target) == 1:
-            errors.append("include cycle: " + " -> ".join(path + [target]))
-        elif target not in state:
-            visit(target, path + [target])
-    state[key] = 2
-
-
-for key in sorted(files):
-    if key not in state:
-        visit(key, [key])
-
-# Cycles between units, a header and its source file taken as one: a.cpp including b.h
-# while b.cpp includes a.h makes the two one unit in fact, whatever the headers include.
 def unit(key):
     return key.rsplit(".", 1)[0]
 
 
-edges = {}
+# Cycles between files, and between units, a header and its source file taken as one:
+# a.cpp including b.h while b.cpp includes a.h makes the two one unit in fact, whatever
+# the headers include.
+report_cycles({k: [t for t in ts if t in files] for k, (_, ts) in files.items()}, "include cycle")
+units = {}
 for key, (_, targets) in files.items():
     for target in targets:
         if target in files and unit(target) != unit(key):
-            edges.setdefault(unit(key), set()).add(unit(target))
-unit_state = {}
-
-
-def visit_unit(u, path):
-    unit_state[u] = 1
-    for v in sorted(edges.get(u, ())):
-        if unit_state.get(v) == 1:
-            errors.append("cycle between files: " + " -> ".join(path[path.index(v):] + [v]))
-        elif v not in unit_state:
-            visit_unit(v, path + [v])
-    unit_state[u] = 2
-
-
-for u in sorted(edges):
-    if u not in unit_state:
-        visit_unit(u, [u])
+            units.setdefault(unit(key), set()).add(unit(target))
+report_cycles(units, "cycle between files")
 
 
 # Cycles between folders in the table itself.
