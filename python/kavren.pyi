@@ -208,6 +208,13 @@ class Statistics:
     @property
     def lines(self) -> int:
         """Lines of the solution read."""
+    @property
+    def ships_verified(self) -> int:
+        """Ships read and verified by this call."""
+    @property
+    def ships_cached(self) -> int:
+        """Ships a Session took from what it verified before."""
+
 
 class Report:
     """What one verification of a solution finds."""
@@ -374,3 +381,28 @@ def polish(
     threads: workers (None: one per core); the result does not depend on it.
     """
     ...
+
+class Session:
+    """Verifies candidates that differ from earlier ones in a few ships: keeps, per ship,
+    what verifying it produced, and verifies only the ships not seen in any earlier
+    candidate. Reports equal verify()'s except in statistics."""
+
+    def __init__(self, catalogue: Catalogue, cache_bytes: int = 268435456) -> None: ...
+    def verify(
+        self,
+        solution: Union[str, bytes, bytearray, os.PathLike[str]],
+        mode: Literal["first", "all"] = "first",
+        threads: Optional[int] = None,
+        trajectories: bool = False,
+        max_bytes: Optional[int] = None,
+        deadline: Optional[float] = None,
+    ) -> Report:
+        """As kavren.verify(solution, catalogue, ...). Calls from several threads take turns."""
+    @property
+    def cached_ships(self) -> int:
+        """Ships kept."""
+    @property
+    def cache_bytes(self) -> int:
+        """Their estimated size in bytes."""
+    def clear(self) -> None:
+        """Forgets every ship."""

@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <string>
 #include <string_view>
@@ -26,6 +27,7 @@
 #include "kavren/json.h"
 #include "kavren/polish.h"
 #include "kavren/report.h"
+#include "kavren/session.h"
 #include "kavren/verify.h"
 
 namespace py = pybind11;
@@ -213,10 +215,9 @@ HeldCatalogue load_catalogue(const py::object& path) {
   }
 }
 
-kavren::Report run_verify(const py::object& solution, const HeldCatalogue& catalogue,
-                          const std::string& mode, const std::optional<int>& threads,
-                          bool trajectories, const std::optional<long long>& max_bytes,
-                          const std::optional<double>& deadline) {
+kavren::Options verify_options(const std::string& mode, const std::optional<int>& threads,
+                               bool trajectories, const std::optional<long long>& max_bytes,
+                               const std::optional<double>& deadline) {
   kavren::Options options;
   if (mode == "first") {
     options.mode = kavren::Mode::first;
@@ -240,17 +241,54 @@ kavren::Report run_verify(const py::object& solution, const HeldCatalogue& catal
     }
     options.deadline = std::chrono::milliseconds(std::max(1LL, std::llround(*deadline * 1000.0)));
   }
+  return options;
+}
+
+// A report that ran out of memory is a MemoryError.
+kavren::Report checked(kavren::Report report) {
+  if (report.outcome == kavren::Outcome::out_of_memory) {
+    PyErr_SetString(PyExc_MemoryError, report.error.c_str());
+    throw py::error_already_set();
+  }
+  return report;
+}
+
+kavren::Report run_verify(const py::object& solution, const HeldCatalogue& catalogue,
+                          const std::string& mode, const std::optional<int>& threads,
+                          bool trajectories, const std::optional<long long>& max_bytes,
+                          const std::optional<double>& deadline) {
+  const kavren::Options options = verify_options(mode, threads, trajectories, max_bytes, deadline);
   const SolutionText text = solution_text(solution);
   kavren::Report report;
   {
     py::gil_scoped_release release;
     report = kavren::verify(catalogue, text.view, options);
   }
-  if (report.outcome == kavren::Outcome::out_of_memory) {
-    PyErr_SetString(PyExc_MemoryError, report.error.c_str());
-    throw py::error_already_set();
+  return checked(std::move(report));
+}
+
+// A session as the module holds it: calls from several Python threads take turns, since
+// the interpreter lock is released while one runs.
+struct HeldSession {
+  HeldSession(const HeldCatalogue& catalogue, long long cache_bytes)
+      : session(catalogue, static_cast<std::size_t>(cache_bytes)) {}
+  kavren::Session session;
+  std::mutex turn;
+};
+
+kavren::Report run_session(HeldSession& held, const py::object& solution, const std::string& mode,
+                           const std::optional<int>& threads, bool trajectories,
+                           const std::optional<long long>& max_bytes,
+                           const std::optional<double>& deadline) {
+  const kavren::Options options = verify_options(mode, threads, trajectories, max_bytes, deadline);
+  const SolutionText text = solution_text(solution);
+  kavren::Report report;
+  {
+    py::gil_scoped_release release;
+    std::lock_guard<std::mutex> lock(held.turn);
+    report = held.session.verify(text.view, options);
   }
-  return report;
+  return checked(std::move(report));
 }
 
 // One NumPy array per ship, shape (points, 9), viewing the report's own memory; the
@@ -446,7 +484,11 @@ PYBIND11_MODULE(_kavren, m) {
       .def_readonly("derivative_evaluations", &kavren::Statistics::derivative_evaluations,
                     "Derivative evaluations of the integrations.")
       .def_readonly("arcs", &kavren::Statistics::arcs, "Burning arcs integrated.")
-      .def_readonly("lines", &kavren::Statistics::lines, "Lines of the solution read.");
+      .def_readonly("lines", &kavren::Statistics::lines, "Lines of the solution read.")
+      .def_readonly("ships_verified", &kavren::Statistics::ships_verified,
+                    "Ships read and verified by this call.")
+      .def_readonly("ships_cached", &kavren::Statistics::ships_cached,
+                    "Ships a Session took from what it verified before.");
 
   py::class_<kavren::Report>(m, "Report", "What one verification of a solution finds.")
       .def_property_readonly(
@@ -543,6 +585,48 @@ PYBIND11_MODULE(_kavren, m) {
         "max_degrees: the largest turn of a thrust line.\n"
         "threads: workers (None: one per core); the result does not depend on it.\n"
         "The interpreter lock is released while it runs.");
+
+  py::class_<HeldSession>(
+      m, "Session",
+      "Verifies candidates that differ from earlier ones in a few ships: keeps, per ship,\n"
+      "what verifying it produced, and verifies only the ships not seen in any earlier\n"
+      "candidate. Reports equal verify()'s except in statistics.\n\n"
+      "    session = kavren.Session(catalogue)\n"
+      "    for candidate in population:\n"
+      "        report = session.verify(candidate)")
+      .def(py::init([](const HeldCatalogue& catalogue, long long cache_bytes) {
+             if (cache_bytes < 1) throw py::value_error("cache_bytes must be at least 1");
+             return std::make_unique<HeldSession>(catalogue, cache_bytes);
+           }),
+           py::arg("catalogue"),
+           py::arg("cache_bytes") = static_cast<long long>(kavren::Session::kDefaultCacheBytes),
+           "catalogue: a Catalogue. cache_bytes: what the session may keep (default 256 MB);\n"
+           "past it the ships used least recently are forgotten first.")
+      .def("verify", &run_session, py::arg("solution"), py::arg("mode") = "first",
+           py::arg("threads") = py::none(), py::arg("trajectories") = false,
+           py::arg("max_bytes") = py::none(), py::arg("deadline") = py::none(),
+           "As kavren.verify(solution, catalogue, ...). Calls from several threads take turns.")
+      .def_property_readonly(
+          "cached_ships",
+          [](HeldSession& s) {
+            std::lock_guard<std::mutex> lock(s.turn);
+            return s.session.cached_ships();
+          },
+          "Ships kept.")
+      .def_property_readonly(
+          "cache_bytes",
+          [](HeldSession& s) {
+            std::lock_guard<std::mutex> lock(s.turn);
+            return s.session.cache_bytes();
+          },
+          "Their estimated size in bytes.")
+      .def(
+          "clear",
+          [](HeldSession& s) {
+            std::lock_guard<std::mutex> lock(s.turn);
+            s.session.clear();
+          },
+          "Forgets every ship.");
 
   m.def("verify", &run_verify, py::arg("solution"), py::arg("catalogue"), py::arg("mode") = "first",
         py::arg("threads") = py::none(), py::arg("trajectories") = false,

@@ -19,7 +19,7 @@ if ! command -v clang++ >/dev/null 2>&1 || ! ls $runtime >/dev/null 2>&1; then
 fi
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j "$(nproc 2>/dev/null || echo 2)" \
-  --target fuzz_catalogue fuzz_solution fuzz_whole_check kavren-synth
+  --target fuzz_catalogue fuzz_solution fuzz_whole_check fuzz_session kavren-synth
 
 # Every path below is absolute: the targets change into a scratch directory of their own.
 work=$root/build/fuzz/run
@@ -86,5 +86,12 @@ run_target solution "$seeds/solution" -max_len=65536 -dict="$root/fuzz/solution.
 # larger inputs could pass the per-input timeout without any fault.
 run_target whole_check "$seeds/whole_check" -max_len=8192 -timeout=60 \
   -dict="$root/fuzz/solution.dict"
+# Sessions edit the demo itself: the input is a list of edits, short by nature.
+mkdir -p "$seeds/session"
+printf '\001\003\000\020\000\001' > "$seeds/session/one-byte"
+printf '\000\002\005\000\100\000\003\003\000\200\000\002' > "$seeds/session/lines-moved"
+export KAVREN_FUZZ_SOLUTION="$work/synth/demo/Result.txt"
+run_target session "$seeds/session" \
+  -max_len=256 -timeout=60
 rm -rf "$work/tmp"
 exit $status

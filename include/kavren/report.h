@@ -112,6 +112,8 @@ struct Statistics {
   std::uint64_t derivative_evaluations = 0;
   std::size_t arcs = 0;
   std::size_t lines = 0;
+  std::size_t ships_verified = 0;  // ships read and verified by this call
+  std::size_t ships_cached = 0;    // ships a session took from what it verified before
 };
 
 struct Report {

@@ -188,6 +188,28 @@ def test_calls_in_parallel_and_in_turn_give_identical_reports(demo, catalogue):
         assert report.outcome == "verified" and report.to_dict() == expected[kind]
 
 
+def test_a_session_gives_the_reports_of_verify_and_takes_turns(demo, catalogue):
+    good = (demo / "Result.txt").read_text()
+    bad, _ = multi_fault(good)
+    texts = [good, bad, good[: len(good) // 3], "x\n", good]
+    expected = {m: [kavren.verify(t, catalogue, mode=m).to_dict() for t in texts]
+                for m in ("first", "all")}
+    session = kavren.Session(catalogue)
+    for mode, reports in expected.items():
+        assert [session.verify(t, mode=mode).to_dict() for t in texts] == reports
+    again = session.verify(good).statistics
+    ships = expected["first"][0]["summary"]["ships"]
+    assert (again.ships_verified, again.ships_cached) == (0, ships)
+    assert session.cached_ships > 0 and session.cache_bytes > 0
+    with ThreadPoolExecutor(max_workers=4) as pool:
+        reports = list(pool.map(lambda t: session.verify(t, mode="all").to_dict(), texts * 4))
+    assert reports == expected["all"] * 4
+    session.clear()
+    assert session.cached_ships == 0
+    with pytest.raises(ValueError, match="cache_bytes"):
+        kavren.Session(catalogue, cache_bytes=0)
+
+
 def test_trajectories_run_from_launch_to_the_last_event(demo, catalogue):
     lines = rows((demo / "Result.txt").read_text())
     report = kavren.verify(demo / "Result.txt", catalogue, trajectories=True)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "mining/score.h"
 #include "mining/ship_ledger.h"
 
 namespace kavren {
@@ -28,6 +29,25 @@ std::string summary_text(int num_ships, std::size_t num_mined, double total_mass
   out << "The number of mined asteroids is " << num_mined << " ;\n";
   out << "The total resource mass is " << total_mass << " kg.\n";
   return out.str();
+}
+
+void conclude(Findings& findings, const std::vector<ShipClass>& ships, int num_ships,
+              const std::vector<StoreDmStruct>& store, double total_mass,
+              const std::vector<int>& thrust_phases, Report& report) {
+  std::vector<Finding>& found = findings.findings();
+  report.accepted = found.empty();
+  if (report.accepted) {
+    report.score_file = score_file_text(store);
+    report.checker_output = summary_text(num_ships, store.size(), total_mass);
+    report.exit_status = 0;
+  } else {
+    report.checker_output = found.front().message;
+    report.exit_status = found.front().exit_status;
+  }
+  report.constraints = findings.constraints();
+  report.warnings = findings.warnings();
+  report.findings = std::move(found);
+  report.summary = summarise(ships, num_ships, store, total_mass, thrust_phases);
 }
 
 Summary summarise(const std::vector<ShipClass>& ships, int num_ships,

@@ -194,26 +194,13 @@ Report verify(const Catalogue& catalogue, std::string_view solution_text, const 
                                 " ms passed while the solution was verified");
       return report;
     }
-    std::vector<Finding>& findings = run.findings.findings();
-    report.accepted = findings.empty();
-    if (report.accepted) {
-      report.score_file = score_file_text(run.store);
-      report.checker_output =
-          summary_text(run.num_ships, run.store.size(), run.total_resource_mass);
-      report.exit_status = 0;
-    } else {
-      report.checker_output = findings.front().message;
-      report.exit_status = findings.front().exit_status;
-    }
-    report.constraints = run.findings.constraints();
-    report.warnings = run.findings.warnings();
-    report.findings = std::move(findings);
-    report.summary = summarise(run.ships, run.num_ships, run.store, run.total_resource_mass,
-                               run.arcs.thrust_phases);
+    conclude(run.findings, run.ships, run.num_ships, run.store, run.total_resource_mass,
+             run.arcs.thrust_phases, report);
     report.trajectories = std::move(run.arcs.trajectories);
     report.statistics.derivative_evaluations = run.arcs.evaluations;
     report.statistics.arcs = run.arcs.arcs;
     report.statistics.lines = count_lines(solution_text);
+    report.statistics.ships_verified = run.assembled.size();
   } catch (const std::bad_alloc&) {
     report = Report();
     report.outcome = Outcome::out_of_memory;

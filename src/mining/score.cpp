@@ -1,8 +1,8 @@
 #include "mining/score.h"
 
+#include <charconv>
 #include <cmath>
-#include <iomanip>
-#include <sstream>
+#include <string>
 
 #include "kavren/limits.h"
 
@@ -42,15 +42,27 @@ bool check_ship_count(int num_ships, const std::vector<StoreDmStruct>& store, do
 }
 
 std::string score_file_text(const std::vector<StoreDmStruct>& store) {
-  std::ostringstream file;
-  file << store.size() << '\n';
-  // Masses in general notation with 17 significant digits, enough to read back the
-  // exact double.
-  file << std::setprecision(17);
+  // Each row: the ID right-aligned in 20 columns, the mass in 30, in general notation
+  // with 17 significant digits (enough to read back the exact double), as a stream with
+  // setw and setprecision(17) writes them; to_chars is specified to write what printf's
+  // "%.17g" writes, without a stream's cost per number.
+  auto padded = [](std::string& out, const char* first, const char* last, std::size_t width) {
+    const std::size_t size = static_cast<std::size_t>(last - first);
+    if (size < width) out.append(width - size, ' ');
+    out.append(first, size);
+  };
+  std::string file = std::to_string(store.size()) + "\n";
+  file.reserve(file.size() + store.size() * 51);
+  char buffer[64];
   for (const StoreDmStruct& mined : store) {
-    file << std::setw(20) << mined.asteroid_id << std::setw(30) << mined.mass << '\n';
+    auto written = std::to_chars(buffer, buffer + sizeof buffer, mined.asteroid_id);
+    padded(file, buffer, written.ptr, 20);
+    written =
+        std::to_chars(buffer, buffer + sizeof buffer, mined.mass, std::chars_format::general, 17);
+    padded(file, buffer, written.ptr, 30);
+    file += '\n';
   }
-  return file.str();
+  return file;
 }
 
 }  // namespace kavren

@@ -32,13 +32,6 @@ class TextLines {
   std::size_t pos_ = 0;
 };
 
-// Lists of line indices by event kind, in line order.
-struct EventLists {
-  std::vector<int> launches, venus, earth, mars, rendezvous, ship_starts;
-  std::vector<int> rendezvous_ids;  // the asteroid of each rendezvous line
-  int previous_ship = 0;            // ship ID of the line before
-};
-
 // A structural fault: the reading ends.
 bool refuse_line(Findings& findings, Rule rule, const char* head, int index, const char* tail) {
   findings.fail(rule, line_message(head, printed_line(index), tail), {printed_line(index)}, 0);
@@ -50,9 +43,17 @@ bool refuse(Findings& findings, Rule rule, const char* message) {
   return false;
 }
 
-// Reads, checks and classifies one line (steps in the order the messages take).
-bool read_line(std::string_view raw, int index, EventLists& lists,
-               std::vector<std::string_view>& tokens, Findings& findings) {
+// What a line is, once its own checks passed.
+struct LineClass {
+  int event_id = 0;
+  int ship = 0;
+  bool event = false;  // an event line (10 tokens), else a burning-arc line
+};
+
+// Checks and classifies one line (steps in the order the messages take); false on a
+// structural fault, which ends the reading.
+bool classify_line(std::string_view raw, int index, std::vector<std::string_view>& tokens,
+                   Findings& findings, LineClass& line) {
   static constexpr const char* kA09 = "ErrorA09. File Format Error on the line ";
   const std::string_view text = trimmed_line(raw);
   if (text.empty())
@@ -69,20 +70,11 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
     return refuse_line(findings, Rule::line_format, kA09, index,
                        ": The number of data in this line is unreasonable.");
   }
-  const int id = parse_int(tokens[1]);
-  if (tokens.size() == 10) {
-    if (id == 0) {
-      lists.launches.push_back(index);
-    } else if (id == -2) {
-      lists.venus.push_back(index);
-    } else if (id == -3) {
-      lists.earth.push_back(index);
-    } else if (id == -4) {
-      lists.mars.push_back(index);
-    } else if (id >= 1 && id <= 60000) {
-      lists.rendezvous.push_back(index);
-      lists.rendezvous_ids.push_back(id);
-    } else {
+  line.event = tokens.size() == 10;
+  line.event_id = parse_int(tokens[1]);
+  const int id = line.event_id;
+  if (line.event) {
+    if (id != 0 && id != -2 && id != -3 && id != -4 && !(id >= 1 && id <= 60000)) {
       return refuse_line(findings, Rule::event_id, "ErrorA10. File Format Error on the line", index,
                          ": The event ID is unreasonable.");
     }
@@ -90,20 +82,38 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
     return refuse_line(findings, Rule::arc_event_id, "ErrorA11. File Format Error on the line",
                        index, ": The event ID of the burning arcs is wrong.");
   }
-
-  // A ship is a maximal run of lines with the same ship ID.
-  const int ship = parse_int(tokens[0]);
-  if (ship < 1) {
+  line.ship = parse_int(tokens[0]);
+  if (line.ship < 1) {
     return refuse_line(findings, Rule::ship_id, "ErrorA12. File Format Error on the line", index,
                        ": The ID of the ship is wrong.");
   }
-  if (index == 0 || ship != lists.previous_ship) lists.ship_starts.push_back(index);
-  lists.previous_ship = ship;
+  return true;
+}
 
-  // An epoch outside the mission is a finding, not a fault of the file's structure.
+// An event line joins the list of its kind.
+void list_line(const LineClass& line, int index, EventLists& lists) {
+  if (!line.event) return;
+  const int id = line.event_id;
+  if (id == 0) {
+    lists.launches.push_back(index);
+  } else if (id == -2) {
+    lists.venus.push_back(index);
+  } else if (id == -3) {
+    lists.earth.push_back(index);
+  } else if (id == -4) {
+    lists.mars.push_back(index);
+  } else {
+    lists.rendezvous.push_back(index);
+    lists.rendezvous_ids.push_back(id);
+  }
+}
+
+// The epoch of a line of the `ordinal`-th ship: outside the mission is a finding, not a
+// fault of the file's structure. False when the collector says to stop.
+bool check_line_epoch(const std::vector<std::string_view>& tokens, int index, int ordinal,
+                      Findings& findings) {
   const double epoch = parse_double(tokens[2]);
   const long long line = printed_line(index);
-  const int ordinal = static_cast<int>(lists.ship_starts.size());
   return findings.check(Rule::epoch_start, !(epoch < kMissionStartMjd), epoch, kMissionStartMjd,
                         {line}, ordinal,
                         [&] {
@@ -117,6 +127,18 @@ bool read_line(std::string_view raw, int index, EventLists& lists,
                                               ": The epoch is later than the mission's end "
                                               "time (69807 MJD).");
                         });
+}
+
+// Reads, checks and classifies one line of the file. A ship is a maximal run of lines
+// with the same ship ID.
+bool read_line(std::string_view raw, int index, EventLists& lists,
+               std::vector<std::string_view>& tokens, Findings& findings) {
+  LineClass line;
+  if (!classify_line(raw, index, tokens, findings, line)) return false;
+  list_line(line, index, lists);
+  if (index == 0 || line.ship != lists.previous_ship) lists.ship_starts.push_back(index);
+  lists.previous_ship = line.ship;
+  return check_line_epoch(tokens, index, static_cast<int>(lists.ship_starts.size()), findings);
 }
 
 // The deadline is looked at once every this many lines.
@@ -202,6 +224,8 @@ bool check_pairs(const std::vector<int>& list, Rule odd, const char* odd_message
   return true;
 }
 
+}  // namespace
+
 bool check_structure(const EventLists& lists, Findings& findings) {
   if (lists.launches.size() != 2 * lists.ship_starts.size()) {
     return refuse(findings, Rule::launch_count,
@@ -262,8 +286,6 @@ bool check_structure(const EventLists& lists, Findings& findings) {
   return true;
 }
 
-}  // namespace
-
 bool scan_solution(std::string_view text, Findings& findings, int& num_ships, ShipSink& sink,
                    const DeadlineClock::time_point* deadline, bool arcs_in_text) {
   if (text.empty()) {
@@ -298,6 +320,54 @@ bool read_solution(std::string_view text, std::vector<ShipClass>& ships, int& nu
     if (findings.stopped()) return false;
   }
   return !collect.ended;
+}
+
+void read_ship_lines(std::string_view text, int first_index, int ordinal, bool stop_at_first,
+                     ShipLines& out) {
+  out = ShipLines();
+  out.found = Findings(stop_at_first);
+  out.assembly = Findings(stop_at_first);
+  std::optional<ShipAssembler> assembler;
+  assembler.emplace(ordinal, out.ship, out.assembly, true);
+  TextLines source(text);
+  std::vector<std::string_view> tokens;
+  tokens.reserve(16);
+  std::string_view raw;
+  int ship_id = 0;
+  for (int index = first_index; source.next(raw); ++index) {
+    // Line numbers are 32-bit, as in a whole file.
+    if (index == INT_MAX - 1) {
+      refuse_line(out.found, Rule::line_format, "ErrorA09. File Format Error on the line ", index,
+                  ": The number of data in this line is unreasonable.");
+      out.reading_ended = true;
+      return;
+    }
+    LineClass line;
+    if (!classify_line(raw, index, tokens, out.found, line)) {
+      out.reading_ended = true;
+      ++out.lines;
+      return;
+    }
+    if (out.lines > 0 && line.ship != ship_id) break;  // the next ship's first line
+    if (out.lines == 0) {
+      ship_id = line.ship;
+      out.lists.ship_starts.push_back(index);
+    }
+    out.lists.previous_ship = line.ship;
+    list_line(line, index, out.lists);
+    ++out.lines;
+    out.bytes = static_cast<std::size_t>(raw.data() + raw.size() - text.data());
+    if (out.bytes < text.size()) ++out.bytes;  // its line break
+    if (!check_line_epoch(tokens, index, ordinal, out.found)) {
+      out.reading_ended = true;
+      return;
+    }
+    if (assembler && !assembler->add_line(index, trimmed_line(raw), tokens)) {
+      out.assembly_ended = true;
+      assembler.reset();
+    }
+  }
+  if (assembler) assembler->finish();
 }
 
 }  // namespace kavren

@@ -11,6 +11,17 @@
 
 namespace kavren {
 
+// Lists of line indices (0-based) by event kind, in line order.
+struct EventLists {
+  std::vector<int> launches, venus, earth, mars, rendezvous, ship_starts;
+  std::vector<int> rendezvous_ids;  // the asteroid of each rendezvous line
+  int previous_ship = 0;            // ship ID of the line before
+};
+
+// The grouping of the whole file from its lists: launches (ErrorA13-A15), then the pairs
+// of flybys and rendezvous (A16-A23). False, with the finding, when it fails.
+bool check_structure(const EventLists& lists, Findings& findings);
+
 // Receives each ship as soon as its last line is read, in ship order, before the
 // grouping of the whole file is known: a ship handed out stands only once
 // scan_solution returned true.
@@ -38,5 +49,27 @@ bool scan_solution(std::string_view text, Findings& findings, int& num_ships, Sh
 // Past the deadline (null: none) the reading ends with DeadlineReached.
 bool read_solution(std::string_view text, std::vector<ShipClass>& ships, int& num_ships,
                    Findings& findings, const DeadlineClock::time_point* deadline = nullptr);
+
+// One ship's lines read on their own, for a caller that verifies a file ship by ship: what
+// scan_solution does for those lines, with the ship's first line at `first_index` and the
+// ship the `ordinal`-th of the file.
+struct ShipLines {
+  std::size_t bytes = 0;  // the ship's lines in the text, line breaks included
+  int lines = 0;
+  EventLists lists;      // its event lines (ship_starts: its first line)
+  Findings found{true};  // the lines' own checks: grammar, epochs
+  // A structural fault or a finding that stops the collector ended the reading at the
+  // last line counted: nothing after it is read.
+  bool reading_ended = false;
+  ShipClass ship;  // assembled with its arcs left in the text
+  Findings assembly{true};
+  bool assembly_ended = false;  // the assembly ended the reading: no ship follows
+};
+
+// Reads the ship that starts at the beginning of `text`: the lines up to the first line
+// of another ship ID, or the end of the text. Collectors stop at their first finding
+// when `stop_at_first`.
+void read_ship_lines(std::string_view text, int first_index, int ordinal, bool stop_at_first,
+                     ShipLines& out);
 
 }  // namespace kavren

@@ -171,8 +171,17 @@ void Findings::merge(Findings&& later) {
     finding.first = findings_.empty();
     findings_.push_back(std::move(finding));
   }
+  later.findings_.clear();
+  merge(static_cast<const Findings&>(later));
+}
+
+void Findings::merge(const Findings& later) {
+  for (const Finding& finding : later.findings_) {
+    findings_.push_back(finding);
+    findings_.back().first = findings_.size() == 1;
+  }
   // A rule that passed on NaN is named once, at its first NaN, as one collector does.
-  for (Warning& warning : later.warnings_) {
+  for (const Warning& warning : later.warnings_) {
     bool repeated = false;
     if (warning.kind == "nan-passes") {
       for (int r = 0; r < static_cast<int>(Rule::count) && !repeated; ++r) {
@@ -180,7 +189,7 @@ void Findings::merge(Findings&& later) {
         repeated = mine != nullptr && mine->nan_warned && warning.rule == kRules[r].id;
       }
     }
-    if (!repeated) warnings_.push_back(std::move(warning));
+    if (!repeated) warnings_.push_back(warning);
   }
   for (int r = 0; r < static_cast<int>(Rule::count); ++r) {
     const Row* kept = later.row(r);
@@ -200,6 +209,19 @@ void Findings::merge(Findings&& later) {
     mine.margin = theirs.margin;
     mine.line = theirs.line;
     mine.ship = theirs.ship;
+  }
+}
+
+void Findings::relocate(long long line_shift, int ship) {
+  auto move = [&](std::vector<long long>& lines, int& of) {
+    for (long long& line : lines) line += line_shift;
+    if (of != 0) of = ship;
+  };
+  for (Finding& finding : findings_) move(finding.lines, finding.ship);
+  for (Warning& warning : warnings_) move(warning.lines, warning.ship);
+  for (Row& row : rows_) {
+    if (row.line != 0) row.line += line_shift;
+    if (row.ship != 0) row.ship = ship;
   }
 }
 

@@ -141,6 +141,13 @@ class Findings {
 
   // Appends what `later` collected, as if its checks had run after these.
   void merge(Findings&& later);
+  void merge(const Findings& later);
+
+  // The same evaluations made `line_shift` lines further down the file, on the `ship`-th
+  // ship: the lines and ship ordinals of rows, findings and warnings follow (a ship of 0,
+  // none, stays). Messages are left as they are: a collector with findings is moved by
+  // checking again, not by this.
+  void relocate(long long line_shift, int ship);
 
   std::vector<Finding>& findings() { return findings_; }
   // The constraint rows of the rules evaluated at least once, and the warnings, with

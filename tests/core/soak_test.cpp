@@ -15,6 +15,7 @@
 #include "kavren/verify.h"
 #include "support/e2e.h"
 #include "support/error_case.h"
+#include "support/same_report.h"
 
 namespace kavren::test {
 namespace {
@@ -44,25 +45,7 @@ std::vector<std::string> solutions() {
 }
 
 void expect_same(const Report& a, const Report& b) {
-  EXPECT_EQ(a.outcome, b.outcome);
-  EXPECT_EQ(a.checker_output, b.checker_output);
-  EXPECT_EQ(a.exit_status, b.exit_status);
-  EXPECT_EQ(a.score_file, b.score_file);
-  ASSERT_EQ(a.findings.size(), b.findings.size());
-  for (std::size_t k = 0; k < a.findings.size(); ++k) {
-    EXPECT_EQ(a.findings[k].message, b.findings[k].message);
-    if (!std::isnan(a.findings[k].margin)) {
-      EXPECT_EQ(a.findings[k].margin, b.findings[k].margin);
-    }
-  }
-  ASSERT_EQ(a.constraints.size(), b.constraints.size());
-  for (std::size_t k = 0; k < a.constraints.size(); ++k) {
-    EXPECT_EQ(a.constraints[k].evaluations, b.constraints[k].evaluations);
-    EXPECT_EQ(a.constraints[k].line, b.constraints[k].line);
-    if (!std::isnan(a.constraints[k].worst)) {
-      EXPECT_EQ(a.constraints[k].worst, b.constraints[k].worst);
-    }
-  }
+  EXPECT_EQ(report_difference(a, b, false), "");
 }
 
 TEST(Soak, RepeatedVerificationsGiveOneReportAndCloseTheirFiles) {

@@ -1,11 +1,16 @@
 // The ship-count limit drawn from the average delivered mass, against the logarithmic
-// bound it states. The score file's bytes are compared whole by the end-to-end tables.
+// bound it states; the score file's rows against a stream's formatting of them (the
+// end-to-end tables compare whole files).
 #include "mining/score.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <iomanip>
 #include <limits>
+#include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -69,6 +74,32 @@ TEST(ShipCount, CapOfOneHundredAndUnboundedAverages) {
   EXPECT_EQ(refused_maximum(100, {std::numeric_limits<double>::quiet_NaN()}), -1);
   EXPECT_EQ(refused_maximum(101, {std::numeric_limits<double>::quiet_NaN()}), 100);
   EXPECT_EQ(refused_maximum(0, {25.0}), -1);
+}
+
+// The rows as a stream writes them (setw, setprecision(17)), for masses of every kind:
+// ordinary, tiny, huge, subnormal, signed zeros, infinities, NaNs of either sign, and
+// random bit patterns.
+TEST(ScoreFile, RowsAsAStreamWritesThem) {
+  std::vector<StoreDmStruct> store;
+  const double inf = std::numeric_limits<double>::infinity();
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  for (double m : {49.950000000000045, 0.0, -0.0, 1e-310, 5e-324, 1e300, 123456789012345678.0, 0.1,
+                   1e16, 1e17, -2.5, inf, -inf, nan, -nan}) {
+    store.push_back({static_cast<int>(store.size()) * 7919 - 3, m});
+  }
+  std::mt19937_64 random(7);
+  for (int k = 0; k < 2000; ++k) {
+    const std::uint64_t bits = random();
+    double m;
+    std::memcpy(&m, &bits, sizeof m);
+    store.push_back({static_cast<int>(bits >> 40) - (1 << 23), m});
+  }
+  std::ostringstream expected;
+  expected << store.size() << '\n' << std::setprecision(17);
+  for (const StoreDmStruct& mined : store) {
+    expected << std::setw(20) << mined.asteroid_id << std::setw(30) << mined.mass << '\n';
+  }
+  EXPECT_EQ(kavren::score_file_text(store), expected.str());
 }
 
 }  // namespace
