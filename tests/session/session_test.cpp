@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/error_case.h"
@@ -150,10 +151,88 @@ TEST(Session, ShipsMovedRepeatedRenumberedAndLengthened) {
   }
 }
 
+// Sessions on several threads at once share the catalogue and nothing else.
+TEST(Session, ThreadsEachWithASessionGiveTheReportsOfOne) {
+  Scenario failing = demo_scenario();
+  failing.lines[4] = with_token(failing.lines[4], 3, "0.7");
+  const std::string base = demo_scenario().result_text();
+  const std::vector<std::string> texts = {base, failing.result_text(),
+                                          base.substr(base.size() / 2)};
+  Options options;
+  options.mode = Mode::all;
+  options.workers = 2;
+  std::vector<Report> expected;
+  for (const std::string& text : texts) expected.push_back(verify(demo_catalogue(), text, options));
+  std::vector<std::string> differences(3);
+  std::vector<std::thread> threads;
+  for (std::size_t t = 0; t < differences.size(); ++t) {
+    threads.emplace_back([&, t] {
+      Session session(demo_catalogue());
+      for (std::size_t k = 0; k < 2 * texts.size(); ++k) {
+        const std::size_t which = (k + t) % texts.size();
+        const std::string d =
+            report_difference(session.verify(texts[which], options), expected[which]);
+        if (!d.empty()) differences[t] = d;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(differences, std::vector<std::string>(3));
+}
+
+// The ledger's table is reused between verifications: the asteroids at both ends of the
+// catalogue (1 and 60000) met in one candidate leave nothing behind for the next.
+TEST(Session, TheLedgerStartsEmptyForEveryCandidate) {
+  const Scenario& demo = demo_scenario();
+  std::string asteroid;
+  for (const std::string& line : demo.lines) {
+    const std::vector<std::string> t = tokens_of(line);
+    if (asteroid.empty() && t.size() == 10 && std::stoi(t[1]) >= 1) asteroid = t[1];
+  }
+  ASSERT_FALSE(asteroid.empty());
+  // Rows 1 and 60000 of the catalogue take the asteroid's orbit.
+  std::vector<std::string> rows;
+  for (std::size_t at = 0; at < demo.catalogue.size();) {
+    const std::size_t end = demo.catalogue.find('\n', at);
+    rows.push_back(demo.catalogue.substr(at, end - at));
+    at = end == std::string::npos ? demo.catalogue.size() : end + 1;
+  }
+  const std::string orbit = rows[std::stoul(asteroid)].substr(asteroid.size());
+  rows[1] = "1" + orbit;
+  rows[60000] = "60000" + orbit;
+  std::string catalogue_text;
+  for (const std::string& row : rows) catalogue_text += row + "\n";
+  const Catalogue catalogue = Catalogue::from_text(catalogue_text);
+  auto renamed = [&](const std::string& id) {
+    std::string text;
+    for (const std::string& line : demo.lines) {
+      const bool visit = tokens_of(line).size() == 10 && tokens_of(line)[1] == asteroid;
+      text += (visit ? with_token(line, 1, id) : line) + "\n";
+    }
+    return text;
+  };
+  Options options;
+  options.mode = Mode::all;
+  Session session(catalogue);
+  for (const char* id : {"1", "60000", "1", "60000"}) {
+    expect_as_verify(session, catalogue, renamed(id), options, std::string("asteroid ") + id);
+  }
+  EXPECT_TRUE(session.verify(renamed("1"), options).accepted);
+}
+
 TEST(Session, CountsTheShipsItTookFromItsCache) {
   Session session(demo_catalogue());
   const std::string text = demo_scenario().result_text();
-  const Report first = session.verify(text);
+  Options options;
+  std::size_t last_done = 0, last_total = 0;
+  options.progress = [&](std::size_t done, std::size_t total) {
+    EXPECT_GE(done, last_done);
+    last_done = done;
+    last_total = total;
+  };
+  const Report first = session.verify(text, options);
+  EXPECT_EQ(last_done, first.statistics.arcs);
+  EXPECT_EQ(last_total, first.statistics.arcs);
   const Report second = session.verify(text);
   ASSERT_TRUE(first.accepted);
   EXPECT_EQ(first.statistics.ships_cached, 0u);
