@@ -21,12 +21,19 @@ int long_to_int(long value) {
   return static_cast<int>(static_cast<std::uint32_t>(static_cast<unsigned long>(value)));
 }
 
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-// The value of eight ASCII digits read as one little-endian word: pairs, then quadruples,
-// then the eight combined by multiplications within the word.
-std::uint64_t eight_digits(const char* p) {
+// Eight bytes at p as one little-endian word.
+std::uint64_t word_at(const char* p) {
   std::uint64_t word = 0;
   std::memcpy(&word, p, sizeof word);
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+  word = __builtin_bswap64(word);
+#endif
+  return word;
+}
+
+// The value of eight ASCII digits (the first in the lowest byte): pairs, then
+// quadruples, then the eight, each step by multiplications within the word.
+std::uint64_t eight_digits_value(std::uint64_t word) {
   word -= 0x3030303030303030u;
   word = word * 10 + (word >> 8);
   constexpr std::uint64_t kMask = 0x000000FF000000FFu;
@@ -35,21 +42,50 @@ std::uint64_t eight_digits(const char* p) {
   return static_cast<std::uint32_t>((((word & kMask) * kMul1) + (((word >> 16) & kMask) * kMul2)) >>
                                     32);
 }
-constexpr bool kEightAtOnce = true;
-#else
-std::uint64_t eight_digits(const char*) {
-  return 0;
-}
-constexpr bool kEightAtOnce = false;
-#endif
 
-// w followed by the digits [p, end) (all digits; w's digits and these at most 19).
-std::uint64_t append_digits(std::uint64_t w, const char* p, const char* end) {
-  if (kEightAtOnce) {
-    for (; end - p >= 8; p += 8) w = w * 100000000 + eight_digits(p);
+constexpr std::uint64_t kPowersOfTen[] = {1,      10,      100,      1000,     10000,
+                                          100000, 1000000, 10000000, 100000000};
+
+// Bit 7 of each byte of `word` that is not an ASCII digit (no carries between bytes).
+std::uint64_t non_digit_bytes(std::uint64_t word) {
+  const std::uint64_t t = word ^ 0x3030303030303030u;
+  return (((t & 0x7F7F7F7F7F7F7F7Fu) + 0x7676767676767676u) | t) & 0x8080808080808080u;
+}
+
+// Appends the run of digits at p (inside [begin, end)) to w, modulo 2^64 (a caller with
+// more than 19 digits discards w): eight at a time, then the rest of the run from one
+// word, which ends at `end` when fewer than eight bytes are left, so that no byte
+// outside [begin, end) is read. Returns the end of the run.
+inline const char* append_digits(const char* begin, const char* p, const char* end,
+                                 std::uint64_t& w) {
+  std::uint64_t word = 0;
+  for (;;) {
+    if (end - p >= 8) {
+      word = word_at(p);
+    } else if (p == end) {
+      return p;
+    } else if (end - begin >= 8) {
+      // The last eight bytes, shifted so that p's byte comes first; the bytes past
+      // `end` read as zero, which is no digit.
+      word = word_at(end - 8) >> (8 * (8 - (end - p)));
+    } else {
+      for (; p != end && is_digit(*p); ++p) w = w * 10 + static_cast<std::uint64_t>(*p - '0');
+      return p;
+    }
+    const std::uint64_t stops = non_digit_bytes(word);
+    if (stops == 0) {
+      w = w * 100000000 + eight_digits_value(word);
+      p += 8;
+      continue;
+    }
+    const int n = __builtin_ctzll(stops) / 8;  // digits before the first other byte
+    if (n > 0) {
+      // The n digits moved to the top of the word, '0's below them.
+      const std::uint64_t shifted = (word << (8 * (8 - n))) | (0x3030303030303030u >> (8 * n));
+      w = w * kPowersOfTen[n] + eight_digits_value(shifted);
+    }
+    return p + n;
   }
-  for (; p != end; ++p) w = w * 10 + static_cast<std::uint64_t>(*p - '0');
-  return w;
 }
 
 }  // namespace
@@ -93,18 +129,20 @@ bool parse_plain_decimal(std::string_view token, double& value) {
     negative = *p == '-';
     ++p;
   }
+  // The digits without the point make w, the point and the exponent q: w x 10^q.
+  std::uint64_t w = 0;
   const char* const whole = p;
-  while (p != end && is_digit(*p)) ++p;
+  p = append_digits(token.data(), p, end, w);
   const char* const whole_end = p;
   const char* fraction = p;
   if (p != end && *p == '.') {
     fraction = ++p;
-    while (p != end && is_digit(*p)) ++p;
+    p = append_digits(token.data(), p, end, w);
   }
-  const char* const fraction_end = p;
-  if (whole == whole_end && fraction == fraction_end) return false;
-  // The value is w x 10^q: w the digits without the point, q from the point and exponent.
-  int q = -static_cast<int>(fraction_end - fraction);
+  const auto fraction_digits = static_cast<int>(p - fraction);
+  const int digits = static_cast<int>(whole_end - whole) + fraction_digits;
+  if (digits == 0) return false;
+  int q = -fraction_digits;
   if (p != end && (*p == 'e' || *p == 'E')) {
     ++p;
     bool negative_exponent = false;
@@ -120,18 +158,11 @@ bool parse_plain_decimal(std::string_view token, double& value) {
     q += negative_exponent ? -exponent : exponent;
   }
   if (p != end) return false;  // more text: the longest valid prefix is for the fallback
-  // At most 19 significant digits (what a 64-bit integer holds), leading zeros aside.
-  const char* first = whole;
-  while (first != whole_end && *first == '0') ++first;
-  std::uint64_t w = 0;
-  if (first == whole_end) {
-    first = fraction;
-    while (first != fraction_end && *first == '0') ++first;
-    if (fraction_end - first > 19) return false;
-    w = append_digits(0, first, fraction_end);
-  } else {
-    if ((whole_end - first) + (fraction_end - fraction) > 19) return false;
-    w = append_digits(append_digits(0, first, whole_end), fraction, fraction_end);
+  if (digits > 19) {
+    // Leading zeros are not significant; past 19 significant digits w is not exact.
+    int zeros = 0;
+    for (const char* d = whole; d != p && (*d == '0' || *d == '.'); ++d) zeros += *d == '0';
+    if (digits - zeros > 19) return false;
   }
   return exact_decimal_to_double(w, q, negative, value);
 }

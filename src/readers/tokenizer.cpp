@@ -10,14 +10,61 @@
 
 namespace kavren {
 
+namespace {
+
+#if defined(__SSE2__)
+__m128i load16(const char* p) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+}
+
+// Bit k: byte k of the 16 at p is white space (a blank, or tab to carriage return).
+unsigned space_mask(const char* p) {
+  const __m128i bytes = load16(p);
+  const __m128i blank = _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' '));
+  const __m128i from_tab = _mm_sub_epi8(bytes, _mm_set1_epi8('\t'));
+  const __m128i control = _mm_cmpeq_epi8(_mm_min_epu8(from_tab, _mm_set1_epi8(4)), from_tab);
+  return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(blank, control)));
+}
+
+// The offset of the first NUL byte of a text of at least 16 bytes, or its size; chunks
+// of 16, the last one ending at the text's end.
+std::size_t first_nul(const char* p, std::size_t size) {
+  for (std::size_t offset = 0; offset < size; offset += 16) {
+    const std::size_t at = std::min(offset, size - 16);
+    const auto nul = static_cast<unsigned>(
+        _mm_movemask_epi8(_mm_cmpeq_epi8(load16(p + at), _mm_setzero_si128())));
+    if (nul != 0) return at + static_cast<std::size_t>(__builtin_ctz(nul));
+  }
+  return size;
+}
+#endif
+
+}  // namespace
+
 std::string_view trimmed_line(std::string_view raw) {
   // The line is handled as a C string: a NUL byte ends its text.
-  const void* nul = std::memchr(raw.data(), '\0', raw.size());
-  std::size_t end =
-      nul ? static_cast<std::size_t>(static_cast<const char*>(nul) - raw.data()) : raw.size();
+  const char* const p = raw.data();
+  std::size_t end = raw.size();
   std::size_t begin = 0;
-  while (begin < end && is_line_space(raw[begin])) ++begin;
-  while (end > begin && is_line_space(raw[end - 1])) --end;
+#if defined(__SSE2__)
+  if (end >= 16) {
+    end = first_nul(p, end);
+    if (end >= 16) {
+      // The first and the last 16 bytes of the text usually hold its ends.
+      const unsigned head = ~space_mask(p) & 0xFFFFu;
+      begin = head != 0 ? static_cast<std::size_t>(__builtin_ctz(head)) : 16;
+      const unsigned tail = ~space_mask(p + end - 16) & 0xFFFFu;
+      end = tail != 0 ? end - 16 + static_cast<std::size_t>(32 - __builtin_clz(tail)) : end - 16;
+      if (begin > end) begin = end;
+    }
+  } else
+#endif
+  {
+    const void* nul = std::memchr(p, '\0', end);
+    if (nul != nullptr) end = static_cast<std::size_t>(static_cast<const char*>(nul) - p);
+  }
+  while (begin < end && is_line_space(p[begin])) ++begin;
+  while (end > begin && is_line_space(p[end - 1])) --end;
   return raw.substr(begin, end - begin);
 }
 
@@ -110,16 +157,34 @@ void tokenize_line(std::string_view line, std::vector<std::string_view>& tokens)
     const std::uint64_t ends = separator & ((other << 1) | (before_separator ^ 1));
     std::uint64_t roots = m.blank & ((m.tab << 1) | before_tab);
     if (from == 0) roots |= m.tab & 1;
-    for (std::uint64_t events = starts | ends | roots; events != 0; events &= events - 1) {
-      const int bit = __builtin_ctzll(events);
-      const std::uint64_t one = std::uint64_t{1} << bit;
-      const std::size_t at = from + static_cast<std::size_t>(bit);
-      if (starts & one) {
-        token_start = at;
-      } else if (ends & one) {
+    if (roots == 0) {
+      // No "ROOT" (every well-formed line): starts and ends alternate, the first end
+      // possibly closing a token opened in an earlier block.
+      std::uint64_t open_ends = ends;
+      if (before_separator == 0 && open_ends != 0) {
+        const std::size_t at = from + static_cast<std::size_t>(__builtin_ctzll(open_ends));
         tokens.emplace_back(line.data() + token_start, at - token_start);
-      } else {
-        tokens.push_back(kRoot);
+        open_ends &= open_ends - 1;
+      }
+      for (std::uint64_t open = starts; open != 0; open &= open - 1) {
+        token_start = from + static_cast<std::size_t>(__builtin_ctzll(open));
+        if (open_ends == 0) break;  // the token goes on past this block
+        const std::size_t at = from + static_cast<std::size_t>(__builtin_ctzll(open_ends));
+        tokens.emplace_back(line.data() + token_start, at - token_start);
+        open_ends &= open_ends - 1;
+      }
+    } else {
+      for (std::uint64_t events = starts | ends | roots; events != 0; events &= events - 1) {
+        const int bit = __builtin_ctzll(events);
+        const std::uint64_t one = std::uint64_t{1} << bit;
+        const std::size_t at = from + static_cast<std::size_t>(bit);
+        if (starts & one) {
+          token_start = at;
+        } else if (ends & one) {
+          tokens.emplace_back(line.data() + token_start, at - token_start);
+        } else {
+          tokens.push_back(kRoot);
+        }
       }
     }
     before_separator = (separator >> (n - 1)) & 1;
