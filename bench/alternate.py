@@ -49,7 +49,8 @@ def main(argv):
             t = sorted(times[checker])
             q = statistics.quantiles(t, n=4) if len(t) > 1 else [t[0]] * 3
             med = statistics.median(t)
-            print(f"  {med:8.1f} ms (quartiles {q[0]:.1f}-{q[2]:.1f})  x{med / base:.3f}  {checker}")
+            print(f"  {med:8.1f} ms (quartiles {q[0]:.1f}-{q[2]:.1f})"
+                  f"  x{med / base:.3f}  {checker}")
 
 
 if __name__ == "__main__":
