@@ -30,6 +30,12 @@ mkdir -p "$seeds/catalogue" "$seeds/solution" "$work/corpus" "$work/artifacts" "
 synth=$root/build/fuzz/tools/kavren-synth
 "$synth" demo "$work/synth/demo" >/dev/null
 "$synth" suite "$work/synth/suite" >/dev/null
+# The small bench in every separator form: tabs, one blank, padded runs of blanks, and
+# runs of blanks and tabs, with short zeros in the forms with blanks.
+forms="tab blank blanks mixed"
+for form in $forms; do
+  "$synth" bench "$work/synth/bench-$form" --ships 2 --separators "$form" >/dev/null
+done
 catalogue=$work/synth/demo/KAVREN_Asteroids_Data.txt
 
 # Catalogue seeds: the head of a real catalogue, and short, malformed and odd ones.
@@ -39,6 +45,9 @@ sed -n '2,4p;4q' "$catalogue" > "$seeds/catalogue/no-header"
 head -n 3 "$catalogue" | tr '\t' ' ' | sed 's/$/\r/' > "$seeds/catalogue/crlf"
 printf 'ID\n1 64328 nan inf -0 0x1p3 1e400 -1e400 12abc\n2 64328 2.5 0.1\n' \
   > "$seeds/catalogue/odd-numbers"
+for form in $forms; do
+  head -n 6 "$work/synth/bench-$form/KAVREN_Asteroids_Data.txt" > "$seeds/catalogue/bench-$form"
+done
 
 # Solution seeds: the demo (which passes against the catalogue the whole check loads),
 # the suite cases (other catalogues: they fail at their first rendezvous) and the
@@ -52,13 +61,17 @@ for file in "$work/synth/demo/Result.txt" "$work"/synth/suite/*/Result.txt demo/
   head -n 40 "$file" > "$seeds/solution/head-$n"
 done
 head -n 2 "$work/synth/demo/Result.txt" > "$seeds/solution/launch-only"
+for form in $forms; do
+  head -n 40 "$work/synth/bench-$form/Result.txt" > "$seeds/solution/bench-$form"
+done
 # Whole-check seeds stay small (see run_target below): the demo's last ship, which passes
 # every check on its own, and the heads of the other seeds.
 mkdir -p "$seeds/whole_check"
 last_ship=$(tail -n 1 "$work/synth/demo/Result.txt" | cut -f 1)
 awk -F '\t' -v ship="$last_ship" '$1 == ship' "$work/synth/demo/Result.txt" \
   > "$seeds/whole_check/last-ship"
-cp "$seeds"/solution/head-* "$seeds/solution/launch-only" "$seeds/whole_check/"
+cp "$seeds"/solution/head-* "$seeds"/solution/bench-* "$seeds/solution/launch-only" \
+  "$seeds/whole_check/"
 
 status=0
 run_target() {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "readers/file_bytes.h"
+#include "readers/numbers.h"
 #include "readers/tokenizer.h"
 
 namespace kavren {
@@ -104,6 +105,7 @@ class CatalogueScanner {
   bool next_double(double& value) {
     const std::string_view t = next_token();
     if (!plain_decimal(t)) return false;
+    if (parse_plain_decimal(t, value)) return true;
     double parsed = 0.0;
     const auto result =
         std::from_chars(t.data() + (t[0] == '+' ? 1 : 0), t.data() + t.size(), parsed);

@@ -17,4 +17,10 @@ int parse_int(std::string_view token);
 double parse_double(const char* text);
 double parse_double(std::string_view token);
 
+// The whole token as a plain decimal ([+-] digits [. digits] [e [+-] digits], with at
+// least one digit before the exponent and at most 19 significant digits), converted to
+// the nearest double as strtod does; false (value untouched) for any other token and
+// for values the exact method leaves undecided.
+bool parse_plain_decimal(std::string_view token, double& value);
+
 }  // namespace kavren

@@ -53,5 +53,37 @@ TEST(ValidScenarios, DemoSuiteAndSmallBenchAreAccepted) {
   expect_accepted(bench, "/case");
 }
 
+// The small bench in every separator form, and its late-arrival form, gives the tab
+// form's stdout, status and score file, with one and with two arc workers.
+TEST(ValidScenarios, EverySeparatorFormReadsAsTheTabForm) {
+  struct Outcome {
+    RunResult valid, late;
+  };
+  auto run_form = [](const std::string& form, const std::string& workers) {
+    TempDir dir, late;
+    synthesise(dir, {"bench", "--ships", "4", "--separators", form});
+    const std::string env = "KAVREN_THREADS=" + workers;
+    Outcome outcome{run_in(dir.path() + "/case", checker_binary(), {}, {env}), {}};
+    late.write("KAVREN_Asteroids_Data.txt", *dir.read("/case/KAVREN_Asteroids_Data.txt"));
+    late.write("Result.txt", *dir.read("/case/Result-late-arrivals.txt"));
+    outcome.late = run_in(late.path(), checker_binary(), {}, {env});
+    return outcome;
+  };
+  for (const char* workers : {"1", "2"}) {
+    const Outcome tab = run_form("tab", workers);
+    ASSERT_EQ(tab.valid.status, 0) << tab.valid.out;
+    ASSERT_EQ(tab.late.out.rfind("Error002.", 0), 0u) << tab.late.out;
+    for (const char* form : {"blank", "blanks", "mixed"}) {
+      const Outcome other = run_form(form, workers);
+      for (const auto& [got, want] :
+           {std::pair(&other.valid, &tab.valid), {&other.late, &tab.late}}) {
+        EXPECT_EQ(got->out, want->out) << form << ", " << workers << " worker(s)";
+        EXPECT_EQ(got->status, want->status) << form;
+        EXPECT_EQ(got->score, want->score) << form;
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace kavren::test

@@ -3,7 +3,9 @@
 //   kavren-synth demo <dir> [--seed N]
 //   kavren-synth suite <dir>
 //   kavren-synth bench <dir> [--ships N] [--seed N] [--short-numbers]
-//     (numbers at full precision unless --short-numbers)
+//                      [--separators tab|blank|blanks|mixed]
+//     (numbers at full precision unless --short-numbers; fields and catalogue columns
+//     separated as --separators says, tabs by default)
 //     (also Result-late-arrivals.txt: the same solution with every event that ends a
 //     burning arc with lines at MJD 99999)
 //   kavren-synth nearmiss <dir> [--ships N] [--seed N] [--arcs K]
@@ -27,6 +29,7 @@
 #include "synth/nearmiss.h"
 #include "synth/scenarios.h"
 #include "synth/selfcheck.h"
+#include "synth/separators.h"
 #include "synth/text.h"
 
 namespace {
@@ -43,15 +46,16 @@ void make_dir(const std::string& path) {
   }
 }
 
-// Returns the solution's text.
+// Returns the solution's text, tab separated; the files are written in `form`.
 template <typename Build>
-std::string write_scenario(const std::string& dir, std::uint64_t seed, Build build) {
+std::string write_scenario(const std::string& dir, std::uint64_t seed, Build build,
+                           synth::Separators form = synth::Separators::tab) {
   make_dir(dir);
   synth::Catalogue catalogue(seed);
   synth::Builder builder(catalogue);
   const synth::Scenario scenario = build(builder);
-  write_file(dir + "/KAVREN_Asteroids_Data.txt", catalogue.text());
-  write_file(dir + "/Result.txt", builder.result_text());
+  write_file(dir + "/KAVREN_Asteroids_Data.txt", synth::reseparate(catalogue.text(), form, seed));
+  write_file(dir + "/Result.txt", synth::reseparate(builder.result_text(), form, seed));
   write_file(dir + "/expected_stdout.txt", builder.expected_stdout());
   write_file(dir + "/expected_ScoreData.txt", builder.expected_score());
   std::string manifest =
@@ -73,6 +77,14 @@ long option(int argc, char** argv, const std::string& name, long fallback) {
   return fallback;
 }
 
+std::string text_option(int argc, char** argv, const std::string& name,
+                        const std::string& fallback) {
+  for (int k = 3; k + 1 < argc; ++k) {
+    if (argv[k] == name) return argv[k + 1];
+  }
+  return fallback;
+}
+
 bool flag(int argc, char** argv, const std::string& name) {
   for (int k = 3; k < argc; ++k) {
     if (argv[k] == name) return true;
@@ -89,6 +101,7 @@ int main(int argc, char** argv) {
   if (argc < 3) {
     std::cerr << "usage: kavren-synth demo|suite|bench|nearmiss <dir> [--seed N] [--ships N] "
                  "[--short-numbers] [--arcs K]\n"
+              << "       [--separators tab|blank|blanks|mixed]\n"
               << "       kavren-synth selfcheck\n";
     return 2;
   }
@@ -110,9 +123,15 @@ int main(int argc, char** argv) {
         throw std::runtime_error("--ships must be an even number from 2 to 100");
       }
       const bool full = !flag(argc, argv, "--short-numbers");
+      synth::Separators form = synth::Separators::tab;
+      if (!synth::separators_from_text(text_option(argc, argv, "--separators", "tab"), form)) {
+        throw std::runtime_error("--separators must be tab, blank, blanks or mixed");
+      }
       const std::string result = write_scenario(
-          dir, seed, [&](synth::Builder& b) { return synth::build_bench(b, ships, seed, full); });
-      write_file(dir + "/Result-late-arrivals.txt", synth::late_arrivals(result));
+          dir, seed, [&](synth::Builder& b) { return synth::build_bench(b, ships, seed, full); },
+          form);
+      write_file(dir + "/Result-late-arrivals.txt",
+                 synth::reseparate(synth::late_arrivals(result), form, seed));
     } else if (command == "nearmiss") {
       const int ships = static_cast<int>(option(argc, argv, "--ships", 10));
       if (ships < 2 || ships > 100 || ships % 2 != 0) {
