@@ -163,7 +163,27 @@ void Findings::warn(std::string kind, std::string message, std::vector<long long
   warning.lines = std::move(lines);
   warning.ship = ship;
   warning.rule = std::move(rule);
-  warnings_.push_back(std::move(warning));
+  add_warning(warning, 1);
+}
+
+// The first few places of a warning are named.
+constexpr std::size_t kPlacesShown = 10;
+
+void Findings::add_warning(const Warning& warning, std::uint64_t times) {
+  for (WarningGroup& group : warnings_) {
+    Warning& first = group.first;
+    if (first.ship != warning.ship || first.kind != warning.kind || first.rule != warning.rule) {
+      continue;
+    }
+    group.times += times;
+    for (long long line : warning.lines) {
+      if (first.lines.size() < kPlacesShown) first.lines.push_back(line);
+    }
+    return;
+  }
+  warnings_.push_back(WarningGroup{warning, times});
+  std::vector<long long>& lines = warnings_.back().first.lines;
+  if (lines.size() > kPlacesShown) lines.resize(kPlacesShown);
 }
 
 void Findings::merge(Findings&& later) {
@@ -181,7 +201,8 @@ void Findings::merge(const Findings& later) {
     findings_.back().first = findings_.size() == 1;
   }
   // A rule that passed on NaN is named once, at its first NaN, as one collector does.
-  for (const Warning& warning : later.warnings_) {
+  for (const WarningGroup& group : later.warnings_) {
+    const Warning& warning = group.first;
     bool repeated = false;
     if (warning.kind == "nan-passes") {
       for (int r = 0; r < static_cast<int>(Rule::count) && !repeated; ++r) {
@@ -189,7 +210,7 @@ void Findings::merge(const Findings& later) {
         repeated = mine != nullptr && mine->nan_warned && warning.rule == kRules[r].id;
       }
     }
-    if (!repeated) warnings_.push_back(warning);
+    if (!repeated) add_warning(warning, group.times);
   }
   for (int r = 0; r < static_cast<int>(Rule::count); ++r) {
     const Row* kept = later.row(r);
@@ -218,7 +239,7 @@ void Findings::relocate(long long line_shift, int ship) {
     if (of != 0) of = ship;
   };
   for (Finding& finding : findings_) move(finding.lines, finding.ship);
-  for (Warning& warning : warnings_) move(warning.lines, warning.ship);
+  for (WarningGroup& group : warnings_) move(group.first.lines, group.first.ship);
   for (Row& row : rows_) {
     if (row.line != 0) row.line += line_shift;
     if (row.ship != 0) row.ship = ship;
@@ -252,28 +273,10 @@ std::vector<Constraint> Findings::constraints() const {
 }
 
 std::vector<Warning> Findings::warnings() const {
-  // One warning per kind, ship and rule, naming the first few places.
-  constexpr std::size_t kPlacesShown = 10;
   std::vector<Warning> all;
-  std::vector<std::size_t> times;
-  for (const Warning& w : warnings_) {
-    std::size_t k = 0;
-    while (k < all.size() &&
-           (all[k].kind != w.kind || all[k].ship != w.ship || all[k].rule != w.rule)) {
-      ++k;
-    }
-    if (k == all.size()) {
-      all.push_back(w);
-      times.push_back(1);
-      continue;
-    }
-    ++times[k];
-    for (long long line : w.lines) {
-      if (all[k].lines.size() < kPlacesShown) all[k].lines.push_back(line);
-    }
-  }
-  for (std::size_t k = 0; k < all.size(); ++k) {
-    if (times[k] > 1) all[k].message += " (" + std::to_string(times[k]) + " times)";
+  for (const WarningGroup& group : warnings_) {
+    all.push_back(group.first);
+    if (group.times > 1) all.back().message += " (" + std::to_string(group.times) + " times)";
   }
   for (const Constraint& c : constraints()) {
     const double size = std::fabs(c.limit);

@@ -176,7 +176,16 @@ class Findings {
   bool stop_at_first_;
   int first_rule_;
   std::vector<Finding> findings_;
-  std::vector<Warning> warnings_;
+  // Warnings as they are reported: one per kind, ship and rule, in the order of their
+  // first occurrence, naming the first few places, with how often it occurred.
+  struct WarningGroup {
+    Warning first;
+    std::uint64_t times = 0;
+  };
+  // Counts one more occurrence of `warning` (with `times` occurrences and the lines
+  // given) in its group, or opens the group.
+  void add_warning(const Warning& warning, std::uint64_t times);
+  std::vector<WarningGroup> warnings_;
   std::vector<Row> rows_;
 };
 

@@ -1,5 +1,5 @@
 // A fingerprint of a run of bytes, the key under which a session keeps what a ship's
-// lines produced: 256 bits from four independent lanes, each a chain of bijections of
+// lines produced: 512 bits from eight independent lanes, each a chain of bijections of
 // the words it reads, and the length.
 #pragma once
 
@@ -10,12 +10,16 @@
 namespace kavren {
 
 struct Fingerprint {
-  std::uint64_t lanes[4] = {0, 0, 0, 0};
+  static constexpr int kLanes = 8;
+  std::uint64_t lanes[kLanes] = {};
   std::size_t size = 0;
 
   bool operator==(const Fingerprint& other) const {
-    return size == other.size && lanes[0] == other.lanes[0] && lanes[1] == other.lanes[1] &&
-           lanes[2] == other.lanes[2] && lanes[3] == other.lanes[3];
+    if (size != other.size) return false;
+    for (int k = 0; k < kLanes; ++k) {
+      if (lanes[k] != other.lanes[k]) return false;
+    }
+    return true;
   }
 };
 

@@ -48,7 +48,7 @@ class ShipCache {
   };
   struct Hash {
     std::size_t operator()(const ShipKey& key) const {
-      return static_cast<std::size_t>(key.bytes.lanes[0] ^ key.bytes.lanes[2]);
+      return static_cast<std::size_t>(key.bytes.lanes[0] ^ key.bytes.lanes[5]);
     }
   };
 
