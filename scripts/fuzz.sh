@@ -19,7 +19,7 @@ if ! command -v clang++ >/dev/null 2>&1 || ! ls $runtime >/dev/null 2>&1; then
 fi
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j "$(nproc 2>/dev/null || echo 2)" \
-  --target fuzz_catalogue fuzz_solution fuzz_whole_check fuzz_session kavren-synth
+  --target fuzz_catalogue fuzz_solution fuzz_whole_check fuzz_session
 
 # Every path below is absolute: the targets change into a scratch directory of their own.
 work=$root/build/fuzz/run
@@ -27,7 +27,12 @@ seeds=$work/seeds
 rm -rf "$seeds" "$work/tmp" "$work/synth"
 mkdir -p "$seeds/catalogue" "$seeds/solution" "$work/corpus" "$work/artifacts" "$work/tmp" \
   "$work/synth"
-synth=$root/build/fuzz/tools/kavren-synth
+# The seeds' synthesiser: the release build's when there is one, else one built here.
+synth=$root/build/release/tools/kavren-synth
+if [ ! -x "$synth" ]; then
+  cmake --build --preset fuzz -j "$(nproc 2>/dev/null || echo 2)" --target kavren-synth
+  synth=$root/build/fuzz/tools/kavren-synth
+fi
 "$synth" demo "$work/synth/demo" >/dev/null
 "$synth" suite "$work/synth/suite" >/dev/null
 # The small bench in every separator form: tabs, one blank, padded runs of blanks, and

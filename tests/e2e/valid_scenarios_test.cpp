@@ -69,7 +69,12 @@ TEST(ValidScenarios, EverySeparatorFormReadsAsTheTabForm) {
     outcome.late = run_in(late.path(), checker_binary(), {}, {env});
     return outcome;
   };
-  for (const char* workers : {"1", "2"}) {
+#ifdef KAVREN_SANITIZED
+  const std::vector<const char*> worker_counts = {"2"};  // the release build runs both
+#else
+  const std::vector<const char*> worker_counts = {"1", "2"};
+#endif
+  for (const char* workers : worker_counts) {
     const Outcome tab = run_form("tab", workers);
     ASSERT_EQ(tab.valid.status, 0) << tab.valid.out;
     ASSERT_EQ(tab.late.out.rfind("Error002.", 0), 0u) << tab.late.out;
