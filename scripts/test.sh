@@ -2,7 +2,7 @@
 # Checks the style, then builds and runs every test, in the release build and in the
 # sanitizer build, runs the tests that verify from many threads at once under
 # ThreadSanitizer, then runs each fuzz target for a bounded time under AddressSanitizer
-# and UndefinedBehaviorSanitizer (KAVREN_FUZZ_SECONDS per target, default 10; 0 skips the
+# and UndefinedBehaviorSanitizer (KAVREN_FUZZ_SECONDS per target, default 5; 0 skips the
 # fuzzing).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -22,7 +22,7 @@ stage tsan
 cmake --preset tsan >/dev/null
 cmake --build --preset tsan -j "$jobs"
 ctest --preset tsan -j "$jobs"
-fuzz_seconds=${KAVREN_FUZZ_SECONDS:-10}
+fuzz_seconds=${KAVREN_FUZZ_SECONDS:-5}
 if [ "$fuzz_seconds" -gt 0 ]; then
   # A crash, a sanitizer report or a timeout in any target fails the run.
   stage fuzz

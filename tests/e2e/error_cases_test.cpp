@@ -6,6 +6,7 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "kavren/verify.h"
 #include "support/e2e.h"
@@ -65,10 +66,18 @@ TEST_P(ErrorCases, WholeOutcome) {
   EXPECT_EQ(run.out, expected.out);
   EXPECT_EQ(run.status, expected.status);
   EXPECT_EQ(run.score, expected.score);
+#ifndef KAVREN_SANITIZED
+  // The report's agreement, and the in-memory run of kavren-check's own mode, are the
+  // release build's: the sanitizer build checks the memory of the checker's run and of
+  // the report of every finding.
   if (scenario.write_catalogue && scenario.write_result && scenario.args.empty() &&
       !scenario.prepare) {
     expect_report_agrees(dir.path(), run);
   }
+  const std::vector<Mode> modes = {Mode::first, Mode::all};
+#else
+  const std::vector<Mode> modes = {Mode::all};
+#endif
 
   // The same files verified in memory, in both modes, give the checker's verdict; the
   // first finding is the one it prints, and its margin says that the rule was violated.
@@ -81,7 +90,7 @@ TEST_P(ErrorCases, WholeOutcome) {
   const Catalogue catalogue = scenario.catalogue == demo_scenario().catalogue
                                   ? demo
                                   : Catalogue::from_text(scenario.catalogue);
-  for (Mode mode : {Mode::first, Mode::all}) {
+  for (Mode mode : modes) {
     Options options;
     options.mode = mode;
     options.workers = 2;
